@@ -36,7 +36,8 @@ function(lumero_add_library name)
 endfunction()
 
 # lumero_add_gtest(name SOURCES ... LIBS ... [QT] [TSAN] [LABELS ...])
-# A GoogleTest binary run by ctest, one ctest entry per test case. TSAN marks a
+# A GoogleTest binary run by ctest, one ctest entry per test case. QT gives it a
+# main that makes a QCoreApplication (target lumero::uni_testing_qt). TSAN marks a
 # test of concurrent code: the tsan preset builds and runs only those.
 function(lumero_add_gtest name)
     cmake_parse_arguments(ARG "QT;TSAN" "" "SOURCES;LIBS;LABELS" ${ARGN})
@@ -49,7 +50,11 @@ function(lumero_add_gtest name)
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE lumero_warnings lumero::uni_testing ${ARG_LIBS})
     if(ARG_QT)
+        # Qt tests get a main with a QCoreApplication (lumero::uni_testing_qt).
         set_target_properties(${name} PROPERTIES AUTOMOC ON)
+        target_link_libraries(${name} PRIVATE lumero::uni_testing_qt)
+    else()
+        target_link_libraries(${name} PRIVATE lumero::uni_testing_main)
     endif()
     set(labels ${ARG_LABELS})
     if(ARG_TSAN)
