@@ -160,6 +160,49 @@ TEST(SimplifyTrackInvariants, GeneratedDrivesKeepEndsOrderAndTolerance)
         }
 }
 
+/// The plain recursion, every vertex measured in metres: what the library must match vertex for vertex.
+std::size_t referenceSimplify(const GeoPosition* in, std::size_t n, double tolerance, GeoPosition* out)
+{
+    if (n == 2) {
+        out[0] = in[0];
+        out[1] = in[1];
+        return 2;
+    }
+    std::size_t idx = 1;
+    double largest = crossTrack(in[1], in[0], in[n - 1]);
+    for (std::size_t i = 2; i + 1 < n; ++i) {
+        const double d = crossTrack(in[i], in[0], in[n - 1]);
+        if (d > largest) {
+            largest = d;
+            idx = i;
+        }
+    }
+    if (tolerance > largest) {
+        out[0] = in[0];
+        out[1] = in[n - 1];
+        return 2;
+    }
+    const std::size_t left = referenceSimplify(in, idx + 1, tolerance, out);
+    const std::size_t right = referenceSimplify(in + idx, n - idx, tolerance, out + left - 1);
+    return left + right - 1;
+}
+
+TEST(SimplifyTrackInvariants, SameVerticesAsThePlainRecursion)
+{
+    for (unsigned seed : {4u, 5u})
+        for (double tolerance : {0.0, 0.02, 0.1, 0.5}) {
+            const auto in = noisyDrive(5000, seed);
+            std::vector<GeoPosition> expected(in.size());
+            expected.resize(referenceSimplify(in.data(), in.size(), tolerance, expected.data()));
+            const auto out = simplifyTrack(in, tolerance);
+            ASSERT_EQ(out.size(), expected.size()) << seed << " " << tolerance;
+            for (std::size_t i = 0; i < out.size(); ++i) {
+                ASSERT_EQ(out[i].latitude, expected[i].latitude) << i;
+                ASSERT_EQ(out[i].longitude, expected[i].longitude) << i;
+            }
+        }
+}
+
 TEST(SimplifyTrackInvariants, IdenticalPositionsAtZeroToleranceAreAllKept)
 {
     // Every distance is 0, which equals the tolerance: each range splits at its first inner vertex, so
