@@ -2,24 +2,17 @@
 
 #include <math_geo/geo_tools.h>
 
+#include "segment_cross_track.h"
+
 #include <uni_base/uni_assert.h>
 
-#include <boost/geometry/core/cs.hpp>
-#include <boost/geometry/geometries/register/point.hpp>
-#include <boost/geometry/strategies/spherical/distance_cross_track.hpp>
-
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
-
-BOOST_GEOMETRY_REGISTER_POINT_2D(math_geo::GeoPosition, double,
-                                 boost::geometry::cs::spherical_equatorial<boost::geometry::degree>,
-                                 longitude, latitude)
 
 namespace math_geo {
 
 namespace {
-
-using ComparableCrossTrack = boost::geometry::strategy::distance::comparable::cross_track<>;
 
 /// Metres on a sphere of @p radius from the comparable value of the cross-track strategy.
 double toMetres(double comparable, double radius)
@@ -40,16 +33,16 @@ std::size_t splitIndex(const GeoPosition* range, std::size_t n, double tolerance
 {
     if (n < 3)
         return 0;
-    const ComparableCrossTrack cross_track;
     const GeoPosition& first = range[0];
     const GeoPosition& last = range[n - 1];
+    const detail::SegmentCrossTrack cross_track(first, last);
     const double radius = gaussianRadius((first.latitude + last.latitude) / 2.0);
 
     std::size_t farthest = 1;
-    double farthest_comparable = cross_track.apply(range[1], first, last);
+    double farthest_comparable = cross_track.apply(range[1]);
     double largest = toMetres(farthest_comparable, radius);
     for (std::size_t i = 2; i + 1 < n; ++i) {
-        const double comparable = cross_track.apply(range[i], first, last);
+        const double comparable = cross_track.apply(range[i]);
         if (!(comparable > farthest_comparable * SAME_VALUE_MARGIN))
             continue;
         const double d = toMetres(comparable, radius);

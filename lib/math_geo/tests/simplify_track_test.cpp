@@ -203,6 +203,37 @@ TEST(SimplifyTrackInvariants, SameVerticesAsThePlainRecursion)
         }
 }
 
+TEST(SimplifyTrackInvariants, SameVerticesAsThePlainRecursionOnWildTracks)
+{
+    // Jumps across the globe, repeated vertices and closed sub-loops: every branch of the measure.
+    std::mt19937 rng(11);
+    std::uniform_real_distribution<double> lat(-89.0, 89.0);
+    std::uniform_real_distribution<double> lon(-180.0, 180.0);
+    std::uniform_int_distribution<int> kind(0, 9);
+    std::vector<GeoPosition> in;
+    for (int i = 0; i < 3000; ++i) {
+        const int k = kind(rng);
+        if (k == 0 && !in.empty())
+            in.push_back(in.back());
+        else if (k == 1 && in.size() > 5)
+            in.push_back(in[in.size() - 5]);
+        else if (k < 5 && !in.empty())
+            in.push_back(math_geo::destinationPoint(in.back(), lon(rng), std::fabs(lat(rng)) * 10.0));
+        else
+            in.emplace_back(lat(rng), lon(rng));
+    }
+    for (double tolerance : {0.0, 1.0, 1000.0, 1e6}) {
+        std::vector<GeoPosition> expected(in.size());
+        expected.resize(referenceSimplify(in.data(), in.size(), tolerance, expected.data()));
+        const auto out = simplifyTrack(in, tolerance);
+        ASSERT_EQ(out.size(), expected.size()) << tolerance;
+        for (std::size_t i = 0; i < out.size(); ++i) {
+            ASSERT_EQ(out[i].latitude, expected[i].latitude) << i;
+            ASSERT_EQ(out[i].longitude, expected[i].longitude) << i;
+        }
+    }
+}
+
 TEST(SimplifyTrackInvariants, IdenticalPositionsAtZeroToleranceAreAllKept)
 {
     // Every distance is 0, which equals the tolerance: each range splits at its first inner vertex, so
