@@ -187,19 +187,24 @@ std::size_t referenceSimplify(const GeoPosition* in, std::size_t n, double toler
     return left + right - 1;
 }
 
+void expectSameAsReference(const std::vector<GeoPosition>& in, double tolerance)
+{
+    std::vector<GeoPosition> expected(in.size());
+    expected.resize(referenceSimplify(in.data(), in.size(), tolerance, expected.data()));
+    const auto out = simplifyTrack(in, tolerance);
+    ASSERT_EQ(out.size(), expected.size());
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        ASSERT_EQ(out[i].latitude, expected[i].latitude) << i;
+        ASSERT_EQ(out[i].longitude, expected[i].longitude) << i;
+    }
+}
+
 TEST(SimplifyTrackInvariants, SameVerticesAsThePlainRecursion)
 {
     for (unsigned seed : {4u, 5u})
         for (double tolerance : {0.0, 0.02, 0.1, 0.5}) {
-            const auto in = noisyDrive(5000, seed);
-            std::vector<GeoPosition> expected(in.size());
-            expected.resize(referenceSimplify(in.data(), in.size(), tolerance, expected.data()));
-            const auto out = simplifyTrack(in, tolerance);
-            ASSERT_EQ(out.size(), expected.size()) << seed << " " << tolerance;
-            for (std::size_t i = 0; i < out.size(); ++i) {
-                ASSERT_EQ(out[i].latitude, expected[i].latitude) << i;
-                ASSERT_EQ(out[i].longitude, expected[i].longitude) << i;
-            }
+            SCOPED_TRACE(testing::Message() << seed << " " << tolerance);
+            expectSameAsReference(noisyDrive(5000, seed), tolerance);
         }
 }
 
@@ -223,14 +228,8 @@ TEST(SimplifyTrackInvariants, SameVerticesAsThePlainRecursionOnWildTracks)
             in.emplace_back(lat(rng), lon(rng));
     }
     for (double tolerance : {0.0, 1.0, 1000.0, 1e6}) {
-        std::vector<GeoPosition> expected(in.size());
-        expected.resize(referenceSimplify(in.data(), in.size(), tolerance, expected.data()));
-        const auto out = simplifyTrack(in, tolerance);
-        ASSERT_EQ(out.size(), expected.size()) << tolerance;
-        for (std::size_t i = 0; i < out.size(); ++i) {
-            ASSERT_EQ(out[i].latitude, expected[i].latitude) << i;
-            ASSERT_EQ(out[i].longitude, expected[i].longitude) << i;
-        }
+        SCOPED_TRACE(testing::Message() << tolerance);
+        expectSameAsReference(in, tolerance);
     }
 }
 
