@@ -106,6 +106,8 @@ private:
     bool hasLiveSamples() const noexcept { return m_live_block && m_live_sample_count > 0; }
     SampleDataBlockPtr findContainingLocked(std::uint64_t t, std::uint32_t& count_out) const;
     SampleDataBlockPtr findNextLocked(std::uint64_t t, std::uint32_t& count_out) const;
+    /// The entry of the last closed block starting at or before @p t in the own map, or null.
+    const SampleDataBlockPtr* lastClosedAtOrBefore(std::uint64_t t) const;
 
     FieldLocation m_timestamp_field;
     FieldLocation m_sample_size_field;
