@@ -44,11 +44,14 @@ std::optional<double> readGroupNumber(const boost::ssub_match& group)
 
 std::optional<ScalarConfigItem> readScalar(const std::string& text, const ScalarConfigItem& current)
 {
-    // An exact fraction first: "1/3 m" means the double nearest to a third.
-    try {
-        const RationalScalarConfigItem fraction = readers::readRationalScalar(text, false);
-        return ScalarConfigItem(fraction.toDouble(), fraction.getUnit());
-    } catch (const std::exception&) {
+    // An exact fraction first: "1/3 m" means the double nearest to a third. Other
+    // texts skip the attempt, which would only end in an exception.
+    if (readers::hasFractionForm(text)) {
+        try {
+            const RationalScalarConfigItem fraction = readers::readRationalScalar(text, false);
+            return ScalarConfigItem(fraction.toDouble(), fraction.getUnit());
+        } catch (const std::exception&) {
+        }
     }
     static const boost::regex pattern(
         R"(\s*(?<value>[+-]?((\d+([\.,](\d+)?)?)|([\.,]\d+))([eE][+\-]?\d+)?)\s*(?<unit>.*?)\s*)");
