@@ -344,13 +344,22 @@ void QObjectListModel::trackObject(QObject* object, bool track)
 {
     if (object == nullptr)
         return;
-    // Unique: an object that is twice in the list is connected once. Not checked,
-    // since a second connect is refused by design.
-    if (track)
+    // One connection per object, however often it is in the list (a unique connect
+    // refuses the second one by design, so it is not checked); it goes when the
+    // object's last tracked row does.
+    if (track) {
         connect(object, &QObject::destroyed, this, &QObjectListModel::onObjectDestroyed,
                 Qt::UniqueConnection);
-    else
-        disconnect(object, &QObject::destroyed, this, &QObjectListModel::onObjectDestroyed);
+        ++m_tracked_rows[object];
+        return;
+    }
+    const auto it = m_tracked_rows.find(object);
+    if (it != m_tracked_rows.end()) {
+        if (--it.value() > 0)
+            return;
+        m_tracked_rows.erase(it);
+    }
+    disconnect(object, &QObject::destroyed, this, &QObjectListModel::onObjectDestroyed);
 }
 
 void QObjectListModel::onObjectsInserted(int /*first*/, int /*last*/) {}
@@ -387,12 +396,18 @@ void QObjectListModel::onObjectDestroyed(QObject* obj)
     if (obj == nullptr || !checkThread())
         return;
     // The object is dying: remove it without trying to disconnect from it. An object
-    // that was in the list twice leaves it at every place.
+    // that is in the list more than once leaves it at every tracked place; the search
+    // stops there, so a death costs no more than finding the first row.
+    const int rows = std::max(m_tracked_rows.take(obj), 1);
     const bool tracking = m_tracking;
     m_tracking = false;
     m_dying = obj;
-    for (int row = m_list.indexOf(obj); row >= 0; row = m_list.indexOf(obj, row))
+    int row = m_list.indexOf(obj);
+    for (int removed = 0; row >= 0 && removed < rows; ++removed) {
         takeRow(row);
+        if (removed + 1 < rows)
+            row = m_list.indexOf(obj, row);
+    }
     m_dying = nullptr;
     m_tracking = tracking;
 }

@@ -4,6 +4,8 @@
 
 #include <uni_testing/model_tester.h>
 
+#include <gtest/gtest.h>
+
 #include <QObject>
 
 #include <map>
@@ -117,6 +119,23 @@ private:
     void log(std::string entry) { m_log.push_back(std::move(entry)); }
     std::vector<std::string> m_log;
     std::map<QObject*, std::string> m_names;
+};
+
+/// Five items and a recording list of them.
+class ListModelFixture : public ::testing::Test
+{
+protected:
+    ListModelFixture() : a("a"), b("b"), c("c"), d("d"), e("e") {}
+
+    /// a, b, c in the list, with an empty log.
+    void fill()
+    {
+        model.append(QList<QObject*>{&a, &b, &c});
+        model.takeLog();
+    }
+
+    Item a, b, c, d, e;
+    RecordingModel model;
 };
 
 } // namespace list_model_test

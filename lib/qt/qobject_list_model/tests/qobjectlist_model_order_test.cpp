@@ -19,20 +19,7 @@ using ::testing::IsEmpty;
 
 namespace {
 
-class ListModelOrder : public ::testing::Test
-{
-protected:
-    ListModelOrder() : a("a"), b("b"), c("c"), d("d"), e("e") {}
-
-    void fill()
-    {
-        model.append(QList<QObject*>{&a, &b, &c});
-        model.takeLog();
-    }
-
-    Item a, b, c, d, e;
-    RecordingModel model;
-};
+using ListModelOrder = list_model_test::ListModelFixture;
 
 TEST_F(ListModelOrder, AppendOne)
 {
@@ -217,6 +204,17 @@ TEST_F(ListModelOrder, TrackedObjectInTheListTwiceLeavesBothPlaces)
     auto dying = std::make_unique<Item>("x");
     model.append(QList<QObject*>{dying.get(), &a, dying.get()});
     dying.reset();
+    EXPECT_EQ(model.typedList(), (QList<Item*>{&a}));
+    model.takeLog();
+}
+
+TEST_F(ListModelOrder, RemovingOneOfTwoPlacesKeepsTheObjectTracked)
+{
+    model.setTracking(true);
+    auto twice = std::make_unique<Item>("x");
+    model.append(QList<QObject*>{twice.get(), &a, twice.get()});
+    model.listRemove(0);
+    twice.reset();
     EXPECT_EQ(model.typedList(), (QList<Item*>{&a}));
     model.takeLog();
 }

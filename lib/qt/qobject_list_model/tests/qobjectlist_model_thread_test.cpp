@@ -16,20 +16,7 @@ using ::testing::IsEmpty;
 
 namespace {
 
-class ListModelThreads : public ::testing::Test
-{
-protected:
-    ListModelThreads() : a("a"), b("b"), c("c"), d("d"), e("e") {}
-
-    void fill()
-    {
-        model.append(QList<QObject*>{&a, &b, &c});
-        model.takeLog();
-    }
-
-    Item a, b, c, d, e;
-    RecordingModel model;
-};
+using ListModelThreads = list_model_test::ListModelFixture;
 
 TEST_F(ListModelThreads, ChangesFromAForeignThreadAreAssertedAndRefused)
 {

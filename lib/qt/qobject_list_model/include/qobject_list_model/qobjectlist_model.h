@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAbstractListModel>
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -118,4 +119,6 @@ private:
     bool m_tracking = false;
     /// The object whose removal after its death is under way; never dereferenced.
     QObject* m_dying = nullptr;
+    /// Tracked objects and how many of their rows were tracked.
+    QHash<QObject*, int> m_tracked_rows;
 };
