@@ -6,6 +6,8 @@
 
 namespace ferrin {
 
+class Channel;
+
 /// Scoped guard that keeps a range of a stream in memory: it reserves the range with
 /// the stream's loader, loads it, and releases it again when it goes or moves on.
 class ChannelRoiController
@@ -19,6 +21,8 @@ public:
     /// A guard on @p stream that reserves [first, last] at once.
     ChannelRoiController(std::shared_ptr<const DataSource> source, std::shared_ptr<IfLoadableStream> stream,
                          Tick first, Tick last);
+    /// A guard on the sample stream of @p channel that reserves @p tick.
+    ChannelRoiController(const Channel& channel, Tick tick);
     ~ChannelRoiController();
 
     ChannelRoiController(const ChannelRoiController&) = delete;
