@@ -48,7 +48,7 @@ TEST(ChannelsThreads, ReadersSeeAConsistentPrefixWhileAWriterRecords)
     int owner = 0;
     channel->registerObserver(&owner, [&](channel_config::ChannelID, const std::string&) { ++observed; });
 
-    constexpr Tick LAST = 20000;
+    constexpr Tick LAST = 200000;
     std::atomic<bool> done{false};
     std::thread writer([&] {
         for (Tick tick = 0; tick <= LAST; tick += 2) {
