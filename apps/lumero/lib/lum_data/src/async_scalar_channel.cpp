@@ -280,11 +280,7 @@ double AsyncScalarChannel::getValueAtTimeEnsureLoaded(double time, ferrin::Tick*
 
 daq::SamplePtr AsyncScalarChannel::getSampleAtTime(double time) const
 {
-    ferrin::Tick tick = ferrin::NO_TICK;
-    const double value = getValueAtTime(time, &tick);
-    if (tick == ferrin::NO_TICK)
-        return nullptr;
-    return daq::makeSample(tick, value);
+    return detail::sampleAtTime(*this, time);
 }
 
 double AsyncScalarChannel::calculateValue(double start, double end, std::int32_t calculation_type) const

@@ -96,4 +96,14 @@ calculationTicks(double start, double end, std::int32_t calculation_type, const 
     return std::make_pair(first, last);
 }
 
+/// The sample at or before @p time among those in memory, as getSampleAtTime gives it.
+inline daq::SamplePtr sampleAtTime(const ferrin::ScalarChannel& channel, double time)
+{
+    ferrin::Tick tick = ferrin::NO_TICK;
+    const double value = channel.getValueAtTime(time, &tick);
+    if (tick == ferrin::NO_TICK)
+        return nullptr;
+    return daq::makeSample(tick, value);
+}
+
 } // namespace lum::data::detail

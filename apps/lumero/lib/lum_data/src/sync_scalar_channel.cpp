@@ -123,11 +123,7 @@ double SyncScalarChannel::getValueAtTimeEnsureLoaded(double time, ferrin::Tick* 
 
 daq::SamplePtr SyncScalarChannel::getSampleAtTime(double time) const
 {
-    ferrin::Tick tick = ferrin::NO_TICK;
-    const double value = getValueAtTime(time, &tick);
-    if (tick == ferrin::NO_TICK)
-        return nullptr;
-    return daq::makeSample(tick, value);
+    return detail::sampleAtTime(*this, time);
 }
 
 double SyncScalarChannel::calculateValue(double start, double end, std::int32_t calculation_type) const

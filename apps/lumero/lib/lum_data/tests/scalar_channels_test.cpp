@@ -29,6 +29,13 @@ struct Reference
     std::vector<double> times;
     std::vector<double> values;
 
+    void add(Tick tick, double value, const ferrin::TimeBase& time_base)
+    {
+        ticks.push_back(tick);
+        times.push_back(ferrin::tickToTime(tick, time_base));
+        values.push_back(value);
+    }
+
     /// Index of the sample at or before @p time, or -1.
     long atOrBefore(double time) const
     {
@@ -81,9 +88,7 @@ protected:
         for (int i = 0; i < 10000; ++i) {
             value += step(random);
             values.push_back(value);
-            m_ref.ticks.push_back(i);
-            m_ref.times.push_back(ferrin::tickToTime(i, *m_time_base));
-            m_ref.values.push_back(value);
+            m_ref.add(i, value, *m_time_base);
         }
         MemoryChannelOptions options;
         options.reduction_block = 16;
@@ -242,9 +247,7 @@ protected:
             tick += gap(random) + (i == 10000 ? 5000000 : 0);
             const double v = value(random);
             m_samples.emplace_back(tick, v);
-            m_ref.ticks.push_back(tick);
-            m_ref.times.push_back(ferrin::tickToTime(tick, *m_time_base));
-            m_ref.values.push_back(v);
+            m_ref.add(tick, v, *m_time_base);
         }
         MemoryChannelOptions options;
         options.reduction_block = 10000;
