@@ -1,0 +1,44 @@
+#pragma once
+
+#include <lum_data/memory_loader.h>
+
+#include <ferrin_core/data_source.h>
+
+#include <cstdint>
+#include <shared_mutex>
+#include <vector>
+
+namespace lum::data {
+
+/// Reduced data of one level, held in memory: entry i summarises block i. Entries can
+/// be read only while their page is resident (see MemoryLoader). One writer appends;
+/// readers may read at the same time.
+class MemoryReducedStream : public ferrin::ReducedStream
+{
+public:
+    /// @param page_size      entries per page of the loader
+    /// @param resident_pages most pages resident at a time; 0 for no limit
+    explicit MemoryReducedStream(std::uint64_t page_size = 1024, std::uint64_t resident_pages = 0);
+
+    void append(const ferrin::ReducedValue& value);
+
+    std::uint32_t entrySize() const override { return ferrin::REDUCED_ENTRY_SIZE; }
+    std::uint64_t entryCount() const override;
+    bool readEntry(std::uint64_t index, std::uint8_t* out) const override;
+
+    bool reserve(const ferrin::DataSource& source, ferrin::Tick first, ferrin::Tick last,
+                 const std::string& owner, std::uint32_t flags) override;
+    bool release(const ferrin::DataSource& source, ferrin::Tick first, ferrin::Tick last,
+                 const std::string& owner, std::uint32_t flags) override;
+    bool load(const ferrin::DataSource& source, ferrin::Tick first, ferrin::Tick last) override;
+
+    MemoryLoader& loader() { return m_loader; }
+    const MemoryLoader& loader() const { return m_loader; }
+
+private:
+    mutable std::shared_mutex m_lock;
+    std::vector<ferrin::ReducedValue> m_entries;
+    MemoryLoader m_loader;
+};
+
+} // namespace lum::data

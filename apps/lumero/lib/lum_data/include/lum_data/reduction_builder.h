@@ -1,0 +1,67 @@
+#pragma once
+
+#include <lum_data/memory_reduced_stream.h>
+
+#include <ferrin_core/reduced_value.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace lum::data {
+
+/// Running summary of a block of samples.
+struct ReducedAccumulator
+{
+    double min = 0.0;
+    double max = 0.0;
+    double sum = 0.0;
+    double sum_of_squares = 0.0;
+    std::uint64_t count = 0;
+
+    void add(double value);
+    void merge(const ReducedAccumulator& other);
+    /// min, max, average and root mean square; NaN throughout for an empty block.
+    ferrin::ReducedValue value() const;
+};
+
+/// Feeds reduced streams of several levels from samples in position order. Level 1
+/// entry e summarises positions [e * block, (e + 1) * block - 1]; each further level
+/// summarises `block` entries of the level below. An entry is written only when it is
+/// complete: when a later position arrives or completeUpTo() passes its end. Blocks
+/// without samples give entries of NaN.
+class ReductionBuilder
+{
+public:
+    /// Gaps longer than this many empty level-1 entries stop the reduction (reported)
+    /// rather than filling memory with empty entries.
+    static constexpr std::uint64_t MAX_EMPTY_ENTRIES = std::uint64_t{1} << 24;
+
+    /// @param block   positions per level-1 entry, and entries per entry of each level above (at least 2)
+    /// @param streams one stream per level, level 1 first
+    ReductionBuilder(std::uint64_t block, std::vector<std::shared_ptr<MemoryReducedStream>> streams);
+
+    /// Positions must not go backwards; a position behind the last one is ignored.
+    void add(std::uint64_t position, double value);
+    /// Declares positions below @p end final and writes every entry they complete.
+    void completeUpTo(std::uint64_t end);
+
+    /// Positions per entry of @p level (1 = block); 0 beyond the levels built.
+    std::uint64_t factor(std::uint32_t level) const;
+    /// Positions whose level-1 entries are written: [0, coveredEnd()).
+    std::uint64_t coveredEnd() const { return m_written_level1 * m_block; }
+    bool isStopped() const { return m_stopped; }
+
+private:
+    void writeEntry(std::size_t level);
+
+    std::uint64_t m_block;
+    std::vector<std::shared_ptr<MemoryReducedStream>> m_streams;
+    std::vector<ReducedAccumulator> m_current;
+    std::vector<std::uint64_t> m_written;
+    std::uint64_t m_written_level1 = 0;
+    std::uint64_t m_last_position = 0;
+    bool m_stopped = false;
+};
+
+} // namespace lum::data
