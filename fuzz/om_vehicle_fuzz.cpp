@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         std::abort();
     bool finite = true;
     for (const math_geo::Point2D& point : car.getContour())
-        finite = finite && std::isfinite(point.x()) && std::isfinite(point.y());
+        finite = finite && std::isfinite(point.x) && std::isfinite(point.y);
     if (finite && copy.getContour().size() != car.getContour().size())
         std::abort();
     return 0;

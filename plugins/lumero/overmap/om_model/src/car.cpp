@@ -200,9 +200,9 @@ std::vector<Point2D> readContourFile(const std::string& path, CoordinateSystem s
                 return {};
             }
             if (index == 0)
-                vertex.setX(value);
+                vertex.x = value;
             else
-                vertex.setY(value);
+                vertex.y = value;
         }
         vertices.push_back(vertex);
     }

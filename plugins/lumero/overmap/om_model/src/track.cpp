@@ -1,6 +1,6 @@
 #include <om_model/track.h>
 
-#include <math_geo/line2d.h>
+#include <math_geo/line_2d.h>
 #include <uni_base/uni_assert.h>
 
 #include <array>
@@ -24,8 +24,8 @@ Point2D rawNormal(const Point2D& d)
 {
     const double length = d.length();
     if (d.getCoordinateSystem() == math_geo::CoordinateSystem::DIN70000)
-        return Point2D(-d.y() / length, d.x() / length, d.getCoordinateSystem());
-    return Point2D(d.y() / length, -d.x() / length, d.getCoordinateSystem());
+        return Point2D(-d.y / length, d.x / length, d.getCoordinateSystem());
+    return Point2D(d.y / length, -d.x / length, d.getCoordinateSystem());
 }
 
 /// rawNormal, with (0, 0) for a zero direction.

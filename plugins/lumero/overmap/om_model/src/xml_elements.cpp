@@ -38,8 +38,8 @@ void writePois(pugi::xml_node& parent, const PositionObject& object)
     for (const Poi& poi : object.getPois()) {
         pugi::xml_node element = pois.append_child("Poi");
         xpugi::addAttribute(element, "name", poi.name);
-        xpugi::addAttribute(element, "positionX", formatReal(poi.position.x()));
-        xpugi::addAttribute(element, "positionY", formatReal(poi.position.y()));
+        xpugi::addAttribute(element, "positionX", formatReal(poi.position.x));
+        xpugi::addAttribute(element, "positionY", formatReal(poi.position.y));
     }
 }
 
@@ -80,9 +80,9 @@ void writeContour(pugi::xml_node& parent, const std::vector<Point2D>& contour)
     pugi::xml_node element = parent.append_child("Contour");
     std::string text;
     for (const Point2D& point : contour) {
-        text += formatReal(point.x());
+        text += formatReal(point.x);
         text += ' ';
-        text += formatReal(point.y());
+        text += formatReal(point.y);
         text += " \n";
     }
     xpugi::setText(element, text);

@@ -1,6 +1,9 @@
 #include "test_support.h"
 
-#include <ferrin_core/scalar_channel.h>
+#include <lum_data/memory_time_base.h>
+#include <lum_data/sync_scalar_channel.h>
+
+#include <ferrin_core/data_regions_manager.h>
 
 #include <cmath>
 #include <sstream>
@@ -12,29 +15,15 @@ math_geo::ProjectionPlane sitePlane(double rotation)
     return math_geo::ProjectionPlane(SITE, rotation, math_geo::CoordinateSystem::X_FRONT_Y_LEFT);
 }
 
-namespace {
-// TEMPORARY until the host-side channels land.
-class VectorChannel : public ferrin::ScalarChannel
-{
-public:
-    VectorChannel(double rate, std::vector<double> values) : m_rate(rate), m_values(std::move(values)) {}
-    double getValueAtTime(double time, std::uint64_t*) const override
-    {
-        if (time < 0 || m_values.empty())
-            return std::nan("");
-        const auto tick = static_cast<std::size_t>(std::floor(time * m_rate + 1e-9));
-        return m_values[std::min(tick, m_values.size() - 1)];
-    }
-
-private:
-    double m_rate;
-    std::vector<double> m_values;
-};
-} // namespace
-
 std::shared_ptr<ferrin::ScalarChannel> makeChannel(double rate, std::vector<double> values)
 {
-    return std::make_shared<VectorChannel>(rate, std::move(values));
+    static const auto regions = std::make_shared<ferrin::DataRegionsManager>();
+    static std::uint32_t next_local_id = 1;
+    const std::uint32_t local_id = next_local_id++;
+    ferrin::ChannelSetup setup;
+    setup.id = channel_config::ChannelID(1, local_id);
+    setup.time_base = std::make_shared<lum::data::MemoryTimeBase>(rate, 0.0);
+    return lum::data::SyncScalarChannel::create(std::move(setup), std::move(values), regions, local_id);
 }
 
 double metres(const math_geo::GeoPosition& a, const math_geo::GeoPosition& b)
@@ -46,8 +35,7 @@ double metres(const math_geo::GeoPosition& a, const math_geo::GeoPosition& b)
                                 double tolerance)
 {
     if (actual.getCoordinateSystem() == expected.getCoordinateSystem() &&
-        std::fabs(actual.x() - expected.x()) <= tolerance &&
-        std::fabs(actual.y() - expected.y()) <= tolerance)
+        std::fabs(actual.x - expected.x) <= tolerance && std::fabs(actual.y - expected.y) <= tolerance)
         return ::testing::AssertionSuccess();
     std::ostringstream out;
     out << actual << " in system " << static_cast<int>(actual.getCoordinateSystem()) << ", expected "

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <math_geo/geo_position.h>
-#include <math_geo/point2d.h>
+#include <math_geo/point_2d.h>
 #include <math_geo/projection_plane.h>
 
 #include <gtest/gtest.h>

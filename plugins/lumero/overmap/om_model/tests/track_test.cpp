@@ -117,8 +117,8 @@ TEST_F(TrackTest, PlaneNoiseDoesNotRebuildButARealMoveDoes)
     auto track = path({Point2D(0, 0, FLU), Point2D(100, 0, FLU)});
     const Point2D built = track->firstEdge()[1];
     m_plane.setRotation(1e-7);
-    EXPECT_EQ(track->firstEdge()[1].x(), built.x()) << "a rebuild would move this by about 2e-7 m";
-    EXPECT_EQ(track->firstEdge()[1].y(), built.y());
+    EXPECT_EQ(track->firstEdge()[1].x, built.x) << "a rebuild would move this by about 2e-7 m";
+    EXPECT_EQ(track->firstEdge()[1].y, built.y);
     m_plane.setRotation(90.0);
     EXPECT_TRUE(near(track->firstEdge()[1], Point2D(-1.5, 100, FLU), TOL));
 }

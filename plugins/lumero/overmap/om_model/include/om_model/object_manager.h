@@ -5,7 +5,7 @@
 #include <om_model/position_object.h>
 
 #include <math_geo/geo_position.h>
-#include <math_geo/point2d.h>
+#include <math_geo/point_2d.h>
 #include <math_geo/projection_plane.h>
 
 #include <cstddef>

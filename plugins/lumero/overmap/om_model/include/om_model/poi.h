@@ -1,6 +1,6 @@
 #pragma once
 
-#include <math_geo/point2d.h>
+#include <math_geo/point_2d.h>
 
 #include <string>
 

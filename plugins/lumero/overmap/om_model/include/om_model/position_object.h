@@ -4,7 +4,7 @@
 #include <om_model/poi.h>
 
 #include <math_geo/geo_position.h>
-#include <math_geo/point2d.h>
+#include <math_geo/point_2d.h>
 #include <math_geo/projection_plane.h>
 
 #include <cstddef>
@@ -50,7 +50,7 @@ public:
     double getLength() const { return m_length; }
     double getWidth() const { return m_width; }
 
-    const math_geo::GeoPosition& getGeoPosition() const { return m_object_plane.getCenter(); }
+    math_geo::GeoPosition getGeoPosition() const { return m_object_plane.getCenter(); }
     /// Places the object on the globe; an invalid position is logged and ignored.
     void setGeoPosition(const math_geo::GeoPosition& position);
     const math_geo::Point2D& getXYPosition() const { return m_xy_position; }

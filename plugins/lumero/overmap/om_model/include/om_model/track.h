@@ -3,7 +3,7 @@
 #include <om_model/geo_object.h>
 
 #include <math_geo/geo_position.h>
-#include <math_geo/point2d.h>
+#include <math_geo/point_2d.h>
 #include <math_geo/projection_plane.h>
 
 #include <vector>
