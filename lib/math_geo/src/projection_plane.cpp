@@ -1,0 +1,79 @@
+#include <math_geo/projection_plane.h>
+
+#include <math_geo/earth_model.h>
+#include <math_geo/geo_tools.h>
+
+#include <uni_base/uni_assert.h>
+
+#include <cmath>
+
+namespace math_geo {
+
+namespace {
+constexpr double ROTATION_TOLERANCE = 1e-6; // degrees
+} // namespace
+
+ProjectionPlane::ProjectionPlane() : ProjectionPlane(GeoPosition(), 0.0, CoordinateSystem::X_RIGHT_Y_FRONT) {}
+
+ProjectionPlane::ProjectionPlane(const GeoPosition& center, double rotation)
+    : ProjectionPlane(center, rotation, CoordinateSystem::X_RIGHT_Y_FRONT)
+{}
+
+ProjectionPlane::ProjectionPlane(const GeoPosition& center, double rotation,
+                                 CoordinateSystem coordinate_system)
+    : m_rotation(rotation), m_xy_coordinate_system(coordinate_system)
+{
+    setCenter(center);
+}
+
+void ProjectionPlane::setCenter(const GeoPosition& center)
+{
+    UNI_ASSERT(center.valid());
+    m_center = center;
+    const double meridian = meridianRadius(center.latitude);
+    const double prime_vertical = primeVerticalRadius(center.latitude);
+    m_latitude_scale = meridian * earth::DEG_TO_RAD;
+    m_longitude_scale = std::cos(center.latitude * earth::DEG_TO_RAD) * prime_vertical * earth::DEG_TO_RAD;
+}
+
+Point2D ProjectionPlane::toPlane(const GeoPosition& position) const
+{
+    const double north = (position.latitude - m_center.latitude) * m_latitude_scale;
+    const double east = (position.longitude - m_center.longitude) * m_longitude_scale;
+    Point2D p(east, north, CoordinateSystem::X_RIGHT_Y_FRONT);
+    p.toCoordSystem(m_xy_coordinate_system);
+    return p.rotate(m_rotation);
+}
+
+GeoPosition ProjectionPlane::toGeoPosition(const Point2D& point) const
+{
+    Point2D q = point.rotate(-m_rotation);
+    q.toCoordSystem(CoordinateSystem::X_RIGHT_Y_FRONT);
+    const double longitude = q.x / m_longitude_scale + m_center.longitude;
+    const double latitude = q.y / m_latitude_scale + m_center.latitude;
+    return GeoPosition::normalized(latitude, longitude);
+}
+
+void ProjectionPlane::defineByPoints(const Point2D& xy1, const Point2D& xy2, const GeoPosition& geo1,
+                                     const GeoPosition& geo2)
+{
+    setCenter(geo1);
+    m_rotation = 0.0;
+    const Point2D axis(1.0, 0.0, xy1.getCoordinateSystem());
+    // Direction of the pair in the plane's picture, and the same direction on the globe.
+    const double picture_angle = axis.angleTo(xy2 - xy1);
+    const double globe_angle = axis.angleTo(toPlane(geo2) - toPlane(geo1));
+    m_rotation = wrapToRange(picture_angle - globe_angle, 0.0, 360.0);
+    // Coarse origin with the scales of geo1, then one pass to remove the error that the change of
+    // scale with the new centre left.
+    setCenter(toGeoPosition(-xy1));
+    const Point2D residual = toPlane(geo1) - xy1;
+    setCenter(toGeoPosition(residual));
+}
+
+bool ProjectionPlane::operator!=(const ProjectionPlane& other) const
+{
+    return m_center != other.m_center || std::fabs(m_rotation - other.m_rotation) >= ROTATION_TOLERANCE;
+}
+
+} // namespace math_geo
