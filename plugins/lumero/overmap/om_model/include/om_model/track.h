@@ -60,7 +60,20 @@ protected:
     void clearCaches();
 
 private:
-    bool planeMoved() const { return getPlane() == nullptr || m_cached_plane != *getPlane(); }
+    bool planeMoved() const
+    {
+        const math_geo::ProjectionPlane* plane = getPlane();
+        if (plane == nullptr)
+            return true;
+        // An untouched plane is the rule at repaint; exact equality answers it without the
+        // tolerance comparison, which then only sees real or noisy moves.
+        const math_geo::GeoPosition center = plane->getCenter();
+        const math_geo::GeoPosition cached = m_cached_plane.getCenter();
+        if (center.latitude == cached.latitude && center.longitude == cached.longitude &&
+            plane->getRotation() == m_cached_plane.getRotation())
+            return false;
+        return m_cached_plane != *plane;
+    }
     const std::vector<math_geo::Point2D>& cached(const std::vector<math_geo::Point2D>& list) const
     {
         if (list.empty() || planeMoved())
