@@ -35,7 +35,11 @@ template <std::size_t... Indices>
 std::optional<ConfigItemVariant> makeByIndex(std::size_t index, std::index_sequence<Indices...>)
 {
     std::optional<ConfigItemVariant> item;
-    ((index == Indices ? (item.emplace(std::in_place_index<Indices>), true) : false) || ...);
+    const auto makeIf = [&](auto alternative) {
+        if (index == decltype(alternative)::value)
+            item.emplace(std::in_place_index<decltype(alternative)::value>);
+    };
+    (makeIf(std::integral_constant<std::size_t, Indices>()), ...);
     return item;
 }
 

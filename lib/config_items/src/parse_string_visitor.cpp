@@ -42,20 +42,29 @@ std::optional<double> readGroupNumber(const boost::ssub_match& group)
     return readDouble(number);
 }
 
+/// Matches the whole text and reads the number of the group "value".
+std::optional<double> matchNumber(const std::string& text, boost::smatch& match, const boost::regex& pattern)
+{
+    if (!matchWhole(text, match, pattern))
+        return std::nullopt;
+    return readGroupNumber(match["value"]);
+}
+
 std::optional<ScalarConfigItem> readScalar(const std::string& text, const ScalarConfigItem& current)
 {
-    // An exact fraction first: "1/3 m" means the double nearest to a third.
-    try {
-        const RationalScalarConfigItem fraction = readers::readRationalScalar(text, false);
-        return ScalarConfigItem(fraction.toDouble(), fraction.getUnit());
-    } catch (const std::exception&) {
+    // An exact fraction first: "1/3 m" means the double nearest to a third. Other
+    // texts skip the attempt, which would only end in an exception.
+    if (readers::hasFractionForm(text)) {
+        try {
+            const RationalScalarConfigItem fraction = readers::readRationalScalar(text, false);
+            return ScalarConfigItem(fraction.toDouble(), fraction.getUnit());
+        } catch (const std::exception&) {
+        }
     }
     static const boost::regex pattern(
         R"(\s*(?<value>[+-]?((\d+([\.,](\d+)?)?)|([\.,]\d+))([eE][+\-]?\d+)?)\s*(?<unit>.*?)\s*)");
     boost::smatch match;
-    if (!matchWhole(text, match, pattern))
-        return std::nullopt;
-    const auto value = readGroupNumber(match["value"]);
+    const auto value = matchNumber(text, match, pattern);
     if (!value)
         return std::nullopt;
     // A bare number keeps the unit the item has.
@@ -68,7 +77,8 @@ std::optional<RangeConfigItem<double>> readRange(const std::string& text)
     // One value v stands for the range from -|v| to |v|.
     static const boost::regex single(
         R"(\s*(?<value>[+-]?((\d+([\.,](\d+)?)?))|([\.,]\d+))\s*(?<unit>[^\s\.]*)\s*)");
-    // The ".." between the bounds is any two characters, so "5 to 7" reads too.
+    // The ".." between the bounds matches any two characters; stored texts were
+    // written against this pattern, so it stays as it is.
     static const boost::regex pair(
         R"(\s*(?<minv>[+-]?\d+([\.,]\d+)?)\s*(?<minu>[^\s\.]*)?\s*..\s*(?<maxv>[+-]?\d+([\.,]\d+)?)\s*(?<maxu>[^\s\.]*)?\s*)");
     boost::smatch match;
@@ -97,9 +107,7 @@ std::optional<DecoratedNumberConfigItem> readDecoratedNumber(const std::string& 
     static const boost::regex pattern(
         R"(\s*(?<pre>.*?)\s*(?<value>[+-]?\d+([\.,]\d+)?([eE][+\-]?\d+)?)\s*(?<post>.*?)\s*)");
     boost::smatch match;
-    if (!matchWhole(text, match, pattern))
-        return std::nullopt;
-    const auto value = readGroupNumber(match["value"]);
+    const auto value = matchNumber(text, match, pattern);
     if (!value)
         return std::nullopt;
     return DecoratedNumberConfigItem(*value, match["pre"].str(), match["post"].str());

@@ -315,6 +315,12 @@ std::vector<TupleValue<double, double>> readPointList(const std::string& text)
     }
 }
 
+bool hasFractionForm(const std::string& text)
+{
+    const auto parts = splitRational(text);
+    return parts && parts->form == RationalText::FRACTION;
+}
+
 RationalScalarConfigItem readRationalScalar(const std::string& text, bool allow_floating_point)
 {
     const auto parts = splitRational(text);

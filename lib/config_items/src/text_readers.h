@@ -33,4 +33,8 @@ std::vector<TupleValue<double, double>> readPointList(const std::string& text);
 /// boost::bad_rational for a zero denominator or a value beyond 64 bits.
 RationalScalarConfigItem readRationalScalar(const std::string& text, bool allow_floating_point);
 
+/// Whether @p text has the fraction form "n/d" with an optional unit; a cheap test
+/// that spares callers the exceptions of readRationalScalar for other texts.
+bool hasFractionForm(const std::string& text);
+
 } // namespace config_items::detail

@@ -258,6 +258,8 @@ TEST(ParseScalar, FractionGivesTheNearestDouble)
     EXPECT_EQ(item.getValue(), 1.0 / 3.0);
     EXPECT_EQ(item.getUnit(), "m");
     EXPECT_EQ(parsedAs<ScalarConfigItem>("-2/8").getValue(), -0.25);
+    // The unit of a fraction is the fraction's own, even when it has none.
+    EXPECT_EQ(parsedAs<ScalarConfigItem>("1/4", ScalarConfigItem(1, "V")).getUnit(), "");
 }
 
 TEST(ParseScalar, UnitIsEverythingAfterTheNumber)

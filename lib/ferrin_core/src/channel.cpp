@@ -47,14 +47,6 @@ std::optional<ReducedValue> Channel::decodeReducedEntry(const std::uint8_t* entr
     return ferrin::decodeReducedEntry(entry, size);
 }
 
-ChannelRoiController::ChannelRoiController(const Channel& channel, Tick tick)
-{
-    m_source = channel.getDataSource();
-    if (m_source)
-        m_stream = m_source->getSampleStream();
-    reserve(tick, tick);
-}
-
 // --- configuration ---
 
 std::optional<ConfigItem> Channel::item(const std::string& key) const

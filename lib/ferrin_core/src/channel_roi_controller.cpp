@@ -1,5 +1,7 @@
 #include <ferrin_core/channel_roi_controller.h>
 
+#include <ferrin_core/channel.h>
+
 namespace ferrin {
 
 ChannelRoiController::ChannelRoiController(std::shared_ptr<const DataSource> source,
@@ -12,6 +14,14 @@ ChannelRoiController::ChannelRoiController(std::shared_ptr<const DataSource> sou
     : ChannelRoiController(std::move(source), std::move(stream))
 {
     reserve(first, last);
+}
+
+ChannelRoiController::ChannelRoiController(const Channel& channel, Tick tick)
+{
+    m_source = channel.getDataSource();
+    if (m_source)
+        m_stream = m_source->getSampleStream();
+    reserve(tick, tick);
 }
 
 ChannelRoiController::~ChannelRoiController()

@@ -15,9 +15,10 @@ void MemoryLoader::setExtent(std::uint64_t extent)
     if (extent <= m_extent)
         return;
     m_extent = extent;
+    m_atomic_extent.store(extent, std::memory_order_release);
     const std::size_t old_pages = m_loaded_at.size();
     m_loaded_at.resize((extent + m_page_size - 1) / m_page_size, 0);
-    if (m_keep_all) {
+    if (m_keep_all.load(std::memory_order_relaxed)) {
         for (std::size_t page = old_pages; page < m_loaded_at.size(); ++page) {
             m_loaded_at[page] = ++m_sequence;
             ++m_resident;
@@ -34,6 +35,8 @@ std::uint64_t MemoryLoader::extent() const
 
 bool MemoryLoader::isResident(std::uint64_t position) const
 {
+    if (m_keep_all.load(std::memory_order_acquire))
+        return position < m_atomic_extent.load(std::memory_order_acquire);
     std::shared_lock lock(m_lock);
     const std::uint64_t page = position / m_page_size;
     return position < m_extent && m_loaded_at[page] != 0;
@@ -43,7 +46,7 @@ void MemoryLoader::loadAll()
 {
     std::unique_lock lock(m_lock);
     m_budget = 0;
-    m_keep_all = true;
+    m_keep_all.store(true, std::memory_order_release);
     for (std::uint64_t& loaded_at : m_loaded_at) {
         if (loaded_at == 0) {
             loaded_at = ++m_sequence;

@@ -2,6 +2,7 @@
 
 #include <ferrin_core/data_source.h>
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <shared_mutex>
@@ -59,7 +60,9 @@ private:
 
     const std::uint64_t m_page_size;
     std::uint64_t m_budget;
-    bool m_keep_all = false;
+    /// Set by loadAll(); with it, residency is the extent alone and needs no lock.
+    std::atomic<bool> m_keep_all{false};
+    std::atomic<std::uint64_t> m_atomic_extent{0};
     mutable std::shared_mutex m_lock;
     std::uint64_t m_extent = 0;
     /// Per page: 0 not resident, else the load sequence number when it came in.
