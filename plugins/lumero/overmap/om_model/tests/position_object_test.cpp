@@ -288,6 +288,17 @@ TEST_F(PositionObjectTest, UpdateReadsTheChannelsAtTheGivenTime)
     EXPECT_DOUBLE_EQ(cone.getHeading(), 40.0);
 }
 
+TEST_F(PositionObjectTest, AsynchronousGpsGivesTheFixAtOrBeforeTheTime)
+{
+    Cone cone(&m_plane);
+    cone.setLatitudeChannel(om_test::makeAsyncChannel({{0.0, 48.2001}, {0.35, 48.2002}, {0.8, 48.2003}}));
+    cone.setLongitudeChannel(om_test::makeAsyncChannel({{0.0, 11.6001}, {0.35, 11.6002}, {0.8, 11.6003}}));
+    cone.update(0.5);
+    EXPECT_EQ(cone.getGeoPosition(), GeoPosition(48.2002, 11.6002));
+    cone.update(0.8);
+    EXPECT_EQ(cone.getGeoPosition(), GeoPosition(48.2003, 11.6003));
+}
+
 TEST_F(PositionObjectTest, SameTimeTwiceReadsTheChannelsOnce)
 {
     Cone cone(&m_plane);

@@ -1,5 +1,6 @@
 #include "test_support.h"
 
+#include <lum_data/async_scalar_channel.h>
 #include <lum_data/memory_time_base.h>
 #include <lum_data/sync_scalar_channel.h>
 
@@ -15,15 +16,39 @@ math_geo::ProjectionPlane sitePlane(double rotation)
     return math_geo::ProjectionPlane(SITE, rotation, math_geo::CoordinateSystem::X_FRONT_Y_LEFT);
 }
 
+namespace {
+const std::shared_ptr<ferrin::DataRegionsManager>& regions()
+{
+    static const auto manager = std::make_shared<ferrin::DataRegionsManager>();
+    return manager;
+}
+
+ferrin::ChannelSetup nextSetup(double rate)
+{
+    static std::uint32_t next_local_id = 1;
+    ferrin::ChannelSetup setup;
+    setup.id = channel_config::ChannelID(1, next_local_id++);
+    setup.time_base = std::make_shared<lum::data::MemoryTimeBase>(rate, 0.0);
+    return setup;
+}
+} // namespace
+
 std::shared_ptr<ferrin::ScalarChannel> makeChannel(double rate, std::vector<double> values)
 {
-    static const auto regions = std::make_shared<ferrin::DataRegionsManager>();
-    static std::uint32_t next_local_id = 1;
-    const std::uint32_t local_id = next_local_id++;
-    ferrin::ChannelSetup setup;
-    setup.id = channel_config::ChannelID(1, local_id);
-    setup.time_base = std::make_shared<lum::data::MemoryTimeBase>(rate, 0.0);
-    return lum::data::SyncScalarChannel::create(std::move(setup), std::move(values), regions, local_id);
+    ferrin::ChannelSetup setup = nextSetup(rate);
+    const std::uint64_t stream = setup.id.toUInt64();
+    return lum::data::SyncScalarChannel::create(std::move(setup), std::move(values), regions(), stream);
+}
+
+std::shared_ptr<ferrin::ScalarChannel> makeAsyncChannel(const std::vector<std::pair<double, double>>& samples)
+{
+    constexpr double RATE = 1e6;
+    std::vector<lum::data::AsyncScalarChannel::TimedValue> timed;
+    for (const auto& [time, value] : samples)
+        timed.emplace_back(static_cast<ferrin::Tick>(std::llround(time * RATE)), value);
+    ferrin::ChannelSetup setup = nextSetup(RATE);
+    const std::uint64_t stream = setup.id.toUInt64();
+    return lum::data::AsyncScalarChannel::create(std::move(setup), timed, regions(), stream);
 }
 
 double metres(const math_geo::GeoPosition& a, const math_geo::GeoPosition& b)
