@@ -2,52 +2,54 @@
 
 #include <math_geo/geo_tools.h>
 
+#include "segment_cross_track.h"
+
 #include <uni_base/uni_assert.h>
 
-#include <boost/geometry/core/cs.hpp>
-#include <boost/geometry/geometries/register/point.hpp>
-#include <boost/geometry/strategies/spherical/distance_cross_track.hpp>
-
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
-
-BOOST_GEOMETRY_REGISTER_POINT_2D(math_geo::GeoPosition, double,
-                                 boost::geometry::cs::spherical_equatorial<boost::geometry::degree>,
-                                 longitude, latitude)
 
 namespace math_geo {
 
 namespace {
 
-using ComparableCrossTrack = boost::geometry::strategy::distance::comparable::cross_track<>;
-
-/// Cross-track distance in metres of @p p to the great-circle segment (a, b) on a sphere of @p radius.
-/// Beyond the segment's ends it is the distance to the nearer end; a degenerate segment measures to a.
-double crossTrackDistance(const ComparableCrossTrack& strategy, const GeoPosition& p, const GeoPosition& a,
-                          const GeoPosition& b, double radius)
+/// Metres on a sphere of @p radius from the comparable value of the cross-track strategy.
+double toMetres(double comparable, double radius)
 {
-    const double h = strategy.apply(p, a, b);
-    return 2.0 * std::asin(std::sqrt(h)) * radius;
+    return 2.0 * std::asin(std::sqrt(comparable)) * radius;
 }
 
-/// Index (within the range) of the vertex farthest from the chord of the range, or 0 when every vertex
-/// lies closer than the tolerance. The earliest of equal maxima wins; a maximum equal to the tolerance
-/// splits.
+// The metres grow with the comparable value, so a vertex whose value lies clearly below that of the
+// farthest one so far cannot replace it and is not converted. The margin covers rounding in the
+// conversion many times over; within it, the metres decide as for every other vertex.
+constexpr double SAME_VALUE_MARGIN = 1.0 - 1e-12;
+
+/// Index (within the range) of the vertex farthest from the chord of the range, measured as the
+/// cross-track distance in metres on the Gaussian sphere at the chord's mean latitude, or 0 when every
+/// vertex lies closer than the tolerance. The earliest of equal maxima wins; a maximum equal to the
+/// tolerance splits.
 std::size_t splitIndex(const GeoPosition* range, std::size_t n, double tolerance)
 {
     if (n < 3)
         return 0;
-    const ComparableCrossTrack strategy;
     const GeoPosition& first = range[0];
     const GeoPosition& last = range[n - 1];
+    const detail::SegmentCrossTrack cross_track(first, last);
     const double radius = gaussianRadius((first.latitude + last.latitude) / 2.0);
+
     std::size_t farthest = 1;
-    double largest = crossTrackDistance(strategy, range[1], first, last, radius);
+    double farthest_comparable = cross_track.apply(range[1]);
+    double largest = toMetres(farthest_comparable, radius);
     for (std::size_t i = 2; i + 1 < n; ++i) {
-        const double d = crossTrackDistance(strategy, range[i], first, last, radius);
+        const double comparable = cross_track.apply(range[i]);
+        if (!(comparable > farthest_comparable * SAME_VALUE_MARGIN))
+            continue;
+        const double d = toMetres(comparable, radius);
         if (d > largest) {
             largest = d;
             farthest = i;
+            farthest_comparable = comparable;
         }
     }
     if (tolerance > largest)

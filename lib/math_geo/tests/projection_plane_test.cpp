@@ -191,6 +191,19 @@ TEST(ProjectionPlaneFit, DefineByPointsRecoversAPlaneCentredElsewhereToTheChange
         }
 }
 
+TEST(ProjectionPlaneFit, InDin70000TheFittedRotationRunsTheOtherWay)
+{
+    // The fit adds rotations as X_FRONT_Y_LEFT does, while a DIN 70000 plane turns its picture the
+    // other way: a plane turned by r is fitted as 360 - r, with the centre still right. Kept as is.
+    const GeoPosition geo1(48.2031, 11.6012);
+    const GeoPosition geo2(48.1987, 11.5903);
+    const ProjectionPlane truth(geo1, 10.0, CoordinateSystem::DIN70000);
+    ProjectionPlane fitted(GeoPosition(0, 0), 0.0, CoordinateSystem::DIN70000);
+    fitted.defineByPoints(truth.toPlane(geo1), truth.toPlane(geo2), geo1, geo2);
+    EXPECT_NEAR(fitted.getRotation(), 350.0, 1e-6);
+    EXPECT_EQ(fitted.getCenter(), geo1);
+}
+
 TEST(ProjectionPlaneFit, ScaleNeverComesFromThePairs)
 {
     const GeoPosition geo1(30.0, 20.0);

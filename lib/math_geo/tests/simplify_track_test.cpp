@@ -160,6 +160,79 @@ TEST(SimplifyTrackInvariants, GeneratedDrivesKeepEndsOrderAndTolerance)
         }
 }
 
+/// The plain recursion, every vertex measured in metres: what the library must match vertex for vertex.
+std::size_t referenceSimplify(const GeoPosition* in, std::size_t n, double tolerance, GeoPosition* out)
+{
+    if (n == 2) {
+        out[0] = in[0];
+        out[1] = in[1];
+        return 2;
+    }
+    std::size_t idx = 1;
+    double largest = crossTrack(in[1], in[0], in[n - 1]);
+    for (std::size_t i = 2; i + 1 < n; ++i) {
+        const double d = crossTrack(in[i], in[0], in[n - 1]);
+        if (d > largest) {
+            largest = d;
+            idx = i;
+        }
+    }
+    if (tolerance > largest) {
+        out[0] = in[0];
+        out[1] = in[n - 1];
+        return 2;
+    }
+    const std::size_t left = referenceSimplify(in, idx + 1, tolerance, out);
+    const std::size_t right = referenceSimplify(in + idx, n - idx, tolerance, out + left - 1);
+    return left + right - 1;
+}
+
+void expectSameAsReference(const std::vector<GeoPosition>& in, double tolerance)
+{
+    std::vector<GeoPosition> expected(in.size());
+    expected.resize(referenceSimplify(in.data(), in.size(), tolerance, expected.data()));
+    const auto out = simplifyTrack(in, tolerance);
+    ASSERT_EQ(out.size(), expected.size());
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        ASSERT_EQ(out[i].latitude, expected[i].latitude) << i;
+        ASSERT_EQ(out[i].longitude, expected[i].longitude) << i;
+    }
+}
+
+TEST(SimplifyTrackInvariants, SameVerticesAsThePlainRecursion)
+{
+    for (unsigned seed : {4u, 5u})
+        for (double tolerance : {0.0, 0.02, 0.1, 0.5}) {
+            SCOPED_TRACE(testing::Message() << seed << " " << tolerance);
+            expectSameAsReference(noisyDrive(5000, seed), tolerance);
+        }
+}
+
+TEST(SimplifyTrackInvariants, SameVerticesAsThePlainRecursionOnWildTracks)
+{
+    // Jumps across the globe, repeated vertices and closed sub-loops: every branch of the measure.
+    std::mt19937 rng(11);
+    std::uniform_real_distribution<double> lat(-89.0, 89.0);
+    std::uniform_real_distribution<double> lon(-180.0, 180.0);
+    std::uniform_int_distribution<int> kind(0, 9);
+    std::vector<GeoPosition> in;
+    for (int i = 0; i < 3000; ++i) {
+        const int k = kind(rng);
+        if (k == 0 && !in.empty())
+            in.push_back(in.back());
+        else if (k == 1 && in.size() > 5)
+            in.push_back(in[in.size() - 5]);
+        else if (k < 5 && !in.empty())
+            in.push_back(math_geo::destinationPoint(in.back(), lon(rng), std::fabs(lat(rng)) * 10.0));
+        else
+            in.emplace_back(lat(rng), lon(rng));
+    }
+    for (double tolerance : {0.0, 1.0, 1000.0, 1e6}) {
+        SCOPED_TRACE(testing::Message() << tolerance);
+        expectSameAsReference(in, tolerance);
+    }
+}
+
 TEST(SimplifyTrackInvariants, IdenticalPositionsAtZeroToleranceAreAllKept)
 {
     // Every distance is 0, which equals the tolerance: each range splits at its first inner vertex, so
