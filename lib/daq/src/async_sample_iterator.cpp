@@ -51,6 +51,15 @@ void AsyncSampleIterator::end()
 void AsyncSampleIterator::indexCurrentBlock(std::uint32_t count)
 {
     m_stream->extendIndex(*m_current_block, m_sample_index, count);
+    // The range wants the last sample and a search starts in the middle and the quarters:
+    // ask for those cache lines at once rather than one after the other.
+    const std::size_t size = m_sample_index.size();
+    if (size > 0) {
+        __builtin_prefetch(m_sample_index[size - 1]);
+        __builtin_prefetch(m_sample_index[size / 2]);
+        __builtin_prefetch(m_sample_index[size / 4]);
+        __builtin_prefetch(m_sample_index[size * 3 / 4]);
+    }
     setRange(count);
 }
 

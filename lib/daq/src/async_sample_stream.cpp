@@ -132,14 +132,16 @@ SampleDataBlockPtr AsyncSampleStream::findContainingLocked(std::uint64_t t, std:
     }
     if (m_block_provider)
         return m_block_provider->findBlockContaining(t);
-    auto it = m_blocks.upper_bound(t);
-    if (it == m_blocks.begin())
-        return {};
-    --it;
-    const SampleDataBlock& block = *it->second;
-    if (t - block.m_first_timestamp < block.m_time_span)
-        return it->second;
+    const SampleDataBlockPtr* last = lastClosedAtOrBefore(t);
+    if (last && t - (*last)->m_first_timestamp < (*last)->m_time_span)
+        return *last;
     return {};
+}
+
+const SampleDataBlockPtr* AsyncSampleStream::lastClosedAtOrBefore(std::uint64_t t) const
+{
+    auto it = m_blocks.upper_bound(t);
+    return it == m_blocks.begin() ? nullptr : &std::prev(it)->second;
 }
 
 SampleDataBlockPtr AsyncSampleStream::findNextLocked(std::uint64_t t, std::uint32_t& count_out) const
@@ -180,10 +182,8 @@ SampleDataBlockPtr AsyncSampleStream::findBlockBefore(std::uint64_t t, std::uint
     }
     if (m_block_provider)
         return m_block_provider->findLastBlockAtOrBefore(t);
-    auto it = m_blocks.upper_bound(t);
-    if (it == m_blocks.begin())
-        return {};
-    return std::prev(it)->second;
+    const SampleDataBlockPtr* last = lastClosedAtOrBefore(t);
+    return last ? *last : SampleDataBlockPtr();
 }
 
 SampleDataBlockPtr AsyncSampleStream::findNextBlock(std::uint64_t t, std::uint32_t& count_out) const

@@ -20,7 +20,7 @@ using daq::AsyncSampleLayout;
 using daq::AsyncSampleStream;
 using daq::AsyncSampleWriter;
 
-constexpr std::uint64_t SAMPLES = 40000;
+constexpr std::uint64_t SAMPLES = 100000;
 
 // Sample n has timestamp 3n + 7 and value n.
 std::uint64_t timestampOf(std::uint64_t n)

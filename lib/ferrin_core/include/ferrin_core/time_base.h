@@ -15,13 +15,10 @@ constexpr Tick NO_TICK = std::numeric_limits<Tick>::max();
 class TimeBase
 {
 public:
-    virtual ~TimeBase() = default;
-
     /// Ticks per second.
     virtual double getFrequency() const = 0;
-    /// Rate the clock was asked for; a time base whose hardware rounds may differ from
-    /// getFrequency(). Only getFrequency() enters the tick arithmetic.
-    virtual double getNominalFrequency() const { return getFrequency(); }
+    // The destructor sits between the two reads, where the host's interface has it.
+    virtual ~TimeBase() = default;
     /// Time of tick 0, in seconds on the host's time axis.
     virtual double getStartTime() const = 0;
 };
