@@ -1,10 +1,10 @@
 // Any bytes as a setup text: what one read keeps, a write and a second read keep
 // exactly, so the second write gives the text of the first.
-#include <om_model/if_channel_fetcher.h>
+#include "setup_xml_fuzz_support.h"
+
 #include <om_model/object_manager.h>
 #include <om_model/overmap_xml_read_writer.h>
 
-#include <channel_config/channel_id.h>
 #include <uni_base/uni_log.h>
 
 #include <cstddef>
@@ -13,20 +13,11 @@
 #include <cstdlib>
 #include <string>
 
-namespace {
-class NoChannels : public overmap::IfChannelFetcher
-{
-public:
-    std::shared_ptr<ferrin::ScalarChannel> findById(channel_config::ChannelID) override { return nullptr; }
-    std::shared_ptr<ferrin::ScalarChannel> findByName(std::string) override { return nullptr; }
-};
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static const bool quiet = (uni::initConsoleLogging(SEV_FATAL), true);
     (void)quiet;
-    NoChannels fetcher;
+    setup_fuzz::NoChannels fetcher;
     overmap::ObjectManager first_manager;
     if (!overmap::XmlReadWriter(&first_manager, &fetcher)
              .read(std::string(reinterpret_cast<const char*>(data), size)))
