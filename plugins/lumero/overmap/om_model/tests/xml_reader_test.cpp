@@ -549,3 +549,21 @@ TEST(XmlVertexText, NumbersReadAsAStreamReadsThem)
 }
 
 } // namespace
+
+namespace {
+
+TEST(XmlHeading, AnInfiniteHeadingIsRefusedLikeNotANumber)
+{
+    ObjectManager manager;
+    uni_testing::LogCapture log;
+    om_test::ListChannelFetcher fetcher;
+    XmlReadWriter(&manager, &fetcher)
+        .read("<Overmap><GeoObjects><Cone objectId=\"1\" name=\"c\" latitude=\"1\" longitude=\"2\" "
+              "heading=\"-inf\"/>"
+              "</GeoObjects></Overmap>");
+    ASSERT_EQ(manager.objectCount(), 1u);
+    EXPECT_EQ(std::dynamic_pointer_cast<overmap::Cone>(manager.objectAt(0))->getHeading(), 0.0);
+    EXPECT_TRUE(log.contains("overmap", SEV_ERROR, "Invalid heading for object c"));
+}
+
+} // namespace
