@@ -2,7 +2,9 @@
 
 #include <om_model/position_object.h>
 
+#include <ferrin_core/data_regions_manager.h>
 #include <ferrin_core/scalar_channel.h>
+#include <ferrin_core/tick_arithmetic.h>
 
 #include <fmt/format.h>
 #include <pugixml.hpp>
@@ -15,6 +17,17 @@ namespace overmap_replay {
 
 namespace {
 
+/// Whether @p channel recorded anything around @p time: reading past the last sample
+/// would hold it for ever. Channels without a regions manager cannot tell and count as recorded.
+bool recordedAt(const ferrin::ScalarChannel& channel, double time)
+{
+    const auto& time_base = channel.getTimeBase();
+    if (!time_base || !channel.getRegionsManager())
+        return true;
+    const ferrin::Tick tick = ferrin::timeToTickFloor(time, *time_base);
+    return tick != ferrin::NO_TICK && channel.isDataAvailable(tick, ferrin::REGION_KIND_SAMPLES, 0);
+}
+
 /// Whether the object's channels give it a place at @p time; objects without channels
 /// always have one. Reading ahead keeps update() from logging every gap as an error.
 bool positionKnownAt(const overmap::PositionObject& object, double time, int depth = 0)
@@ -25,6 +38,8 @@ bool positionKnownAt(const overmap::PositionObject& object, double time, int dep
         return true;
     const auto& latitude = object.getLatitudeChannel();
     const auto& longitude = object.getLongitudeChannel();
+    if ((latitude && !recordedAt(*latitude, time)) || (longitude && !recordedAt(*longitude, time)))
+        return false;
     math_geo::GeoPosition position = object.getGeoPosition();
     if (latitude)
         position.latitude = latitude->getValueAtTime(time, nullptr);

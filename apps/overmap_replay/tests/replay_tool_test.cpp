@@ -147,6 +147,28 @@ TEST(ReplayTool, TwoCarsFollowTheirRecordingsAlignedByStartTime)
     EXPECT_EQ(rows[1].valid, 0) << "car2 starts 10 s after car1";
 }
 
+TEST(ReplayTool, PastTheLastSampleACarIsNoLongerValid)
+{
+    const auto car1 = readPlainCsv(RECORDINGS + "car1_drive_100hz.csv");
+    const auto car2 = readPlainCsv(RECORDINGS + "car2_drive_100hz.csv");
+    ASSERT_LT(car1.back().time, car2.back().time);
+    const std::string last = std::to_string(car1.back().time + 0.001);
+    const std::string between = std::to_string((car1.back().time + car2.back().time) / 2.0);
+    const ToolRun result =
+        runTool({"--data", RECORDINGS + "car1_drive_100hz.csv", "--data", RECORDINGS + "car2_drive_100hz.csv",
+                 "--at", last, "--at", between, "--at", "1000"});
+    ASSERT_EQ(result.code, 0) << result.err;
+    const auto rows = parseOutput(result.out);
+    ASSERT_EQ(rows.size(), 6u);
+    EXPECT_EQ(rows[0].valid, 1);
+    EXPECT_NEAR(rows[0].latitude, car1.back().latitude, 1e-9);
+    EXPECT_EQ(rows[2].valid, 0) << "car1 has ended";
+    EXPECT_EQ(rows[2].latitude, rows[0].latitude) << "an ended car stays where it stopped";
+    EXPECT_EQ(rows[3].valid, 1) << "car2 still drives";
+    EXPECT_EQ(rows[4].valid, 0);
+    EXPECT_EQ(rows[5].valid, 0);
+}
+
 TEST(ReplayTool, KmlAndGeoJsonHoldEachCarsValidPath)
 {
     const std::string kml = tempPath("paths.kml");

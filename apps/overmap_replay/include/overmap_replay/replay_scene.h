@@ -23,7 +23,8 @@ struct ReplayRow
     double x = 0.0;       ///< reference plane, metres
     double y = 0.0;
     /// False when the object's channels (or its reference object's) have no sample at or
-    /// before the time: the row then holds where the object stood before.
+    /// before the time, or the time lies past their last one: the row then holds where
+    /// the object stood before.
     bool valid = false;
 };
 
