@@ -5,12 +5,14 @@
 #include <lum_import/importers.h>
 
 #include <om_model/car.h>
+#include <om_model/overmap_xml_read_writer.h>
 
 #include <ferrin_core/scalar_channel.h>
 
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <iterator>
 #include <limits>
 
 namespace overmap_replay {
@@ -96,15 +98,25 @@ LoadedRecordings loadRecordings(const std::vector<std::string>& paths)
 
 SetupResult loadSetup(const std::string& path, overmap::IfChannelFetcher& fetcher)
 {
-    (void)fetcher;
     SetupResult result;
     std::ifstream file(path, std::ios::binary);
     if (!file) {
         result.error = path + ": cannot open the setup file";
         return result;
     }
-    result.error =
-        path + ": this build cannot read setup files yet; leave out --setup for one car per recording";
+    const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    if (file.bad()) {
+        result.error = path + ": cannot read the setup file";
+        return result;
+    }
+    auto manager = std::make_unique<overmap::ObjectManager>();
+    overmap::XmlReadWriter reader(manager.get(), &fetcher);
+    // A setup read only in part would replay a different scene than the one saved.
+    if (!reader.read(text)) {
+        result.error = path + ": not a complete Overmap setup";
+        return result;
+    }
+    result.manager = std::move(manager);
     return result;
 }
 

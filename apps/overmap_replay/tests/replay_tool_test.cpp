@@ -147,6 +147,67 @@ TEST(ReplayTool, TwoCarsFollowTheirRecordingsAlignedByStartTime)
     EXPECT_EQ(rows[1].valid, 0) << "car2 starts 10 s after car1";
 }
 
+TEST(ReplayTool, TheExampleSetupDrivesItsCarsFromBothRecordings)
+{
+    const auto car1 = readPlainCsv(RECORDINGS + "car1_drive_100hz.csv");
+    const auto car2 = readPlainCsv(RECORDINGS + "car2_drive_100hz.csv");
+    const ToolRun result =
+        runTool({"--setup", LUMERO_EXAMPLES_DIR "/setups/proving_ground.xml", "--data",
+                 RECORDINGS + "car1_drive_100hz.csv", "--data", RECORDINGS + "car2_drive_100hz.csv", "--from",
+                 "0.005", "--to", "150.005", "--step", "12.5"});
+    ASSERT_EQ(result.code, 0) << result.err;
+    const auto rows = parseOutput(result.out);
+    std::map<int, int> rows_per_object;
+    for (const OutputRow& row : rows) {
+        ++rows_per_object[row.id];
+        SCOPED_TRACE(row.name + " at " + std::to_string(row.time));
+        if (row.id == 1 || row.id == 2) {
+            EXPECT_EQ(row.name, row.id == 1 ? "Car 1" : "Car 2");
+            const PlainRow* expected = rowAt(row.id == 1 ? car1 : car2, row.time);
+            EXPECT_EQ(row.valid, expected ? 1 : 0);
+            if (!expected)
+                continue;
+            // The channels place the antenna: the reported position is the recorded one.
+            EXPECT_NEAR(row.latitude, expected->latitude, 1e-9);
+            EXPECT_NEAR(row.longitude, expected->longitude, 1e-9);
+            EXPECT_NEAR(std::fmod(row.heading - expected->heading + 720.0, 360.0), 0.0, 1e-3);
+        } else if (row.id == 3) {
+            EXPECT_EQ(row.name, "Base GPS");
+            const PlainRow* expected = rowAt(car1, row.time);
+            ASSERT_NE(expected, nullptr);
+            EXPECT_NEAR(row.latitude, expected->latitude, 1e-9) << "the locator reads car1's channels";
+        } else {
+            EXPECT_EQ(row.valid, 1) << "fixed objects always stand somewhere";
+        }
+    }
+    EXPECT_EQ(rows_per_object.size(), 16u) << "two cars, the locator and 13 cones";
+    for (const auto& [id, count] : rows_per_object)
+        EXPECT_EQ(count, 13) << id;
+}
+
+TEST(ReplayToolErrors, ASetupNamingChannelsTheRecordingsLackIsRefused)
+{
+    // Only car1 is given: the setup's car 2 channels (node 2) have nowhere to come from.
+    const ToolRun result = runTool({"--setup", LUMERO_EXAMPLES_DIR "/setups/proving_ground.xml", "--data",
+                                    RECORDINGS + "car1_drive.gpx", "--at", "0"});
+    EXPECT_EQ(result.code, overmap_replay::EXIT_FAILED);
+    EXPECT_EQ(result.out, "");
+    EXPECT_NE(
+        result.err.find("overmap-replay: " LUMERO_EXAMPLES_DIR "/setups/proving_ground.xml: unknown channel"),
+        std::string::npos)
+        << result.err;
+}
+
+TEST(ReplayToolErrors, AFileThatIsNoSetupIsRefused)
+{
+    const ToolRun result = runTool(
+        {"--setup", RECORDINGS + "car1_drive.nmea", "--data", RECORDINGS + "car1_drive.gpx", "--at", "0"});
+    EXPECT_EQ(result.code, overmap_replay::EXIT_FAILED);
+    EXPECT_EQ(result.out, "");
+    EXPECT_NE(result.err.find("car1_drive.nmea: not a complete Overmap setup"), std::string::npos)
+        << result.err;
+}
+
 TEST(ReplayTool, PastTheLastSampleACarIsNoLongerValid)
 {
     const auto car1 = readPlainCsv(RECORDINGS + "car1_drive_100hz.csv");

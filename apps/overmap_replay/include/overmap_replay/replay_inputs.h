@@ -54,7 +54,8 @@ struct SetupResult
     explicit operator bool() const { return manager != nullptr && error.empty(); }
 };
 
-/// Reads a setup file; its channels are bound through @p fetcher.
+/// Reads a setup file with XmlReadWriter, binding its channels through @p fetcher. A
+/// setup that reads only in part is refused: it would replay another scene than the saved one.
 SetupResult loadSetup(const std::string& path, overmap::IfChannelFetcher& fetcher);
 
 /// The scene without a setup file: one car per recording, id = node id, named by the
