@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 #include <pugixml.hpp>
 
+#include <charconv>
 #include <cmath>
 #include <fstream>
 #include <ostream>
@@ -129,13 +130,31 @@ ReplayResult replayScene(overmap::ObjectManager& manager, const std::vector<doub
 void writeCsv(std::ostream& out, const std::vector<ReplayRow>& rows)
 {
     out << "time,object_id,name,latitude,longitude,heading,x,y,valid\n";
-    fmt::memory_buffer buffer;
+    // std::to_chars with a fixed precision is several times faster than the stream or
+    // fmt's fixed formatting, and rows are most of the tool's work.
+    std::string line;
+    char number[64];
+    const auto append = [&](double value, int precision) {
+        const auto result = precision < 0 ? std::to_chars(number, number + sizeof number, value)
+                                          : std::to_chars(number, number + sizeof number, value,
+                                                          std::chars_format::fixed, precision);
+        line.append(number, result.ec == std::errc() ? result.ptr : number);
+        line += ',';
+    };
     for (const ReplayRow& row : rows) {
-        buffer.clear();
-        fmt::format_to(std::back_inserter(buffer), "{},{},{},{:.9f},{:.9f},{:.3f},{:.3f},{:.3f},{}\n",
-                       row.time, row.object_id, csvText(row.name), row.latitude, row.longitude, row.heading,
-                       row.x, row.y, row.valid ? 1 : 0);
-        out.write(buffer.data(), static_cast<std::streamsize>(buffer.size()));
+        line.clear();
+        append(row.time, -1);
+        line += std::to_string(row.object_id);
+        line += ',';
+        line += csvText(row.name);
+        line += ',';
+        append(row.latitude, 9);
+        append(row.longitude, 9);
+        append(row.heading, 3);
+        append(row.x, 3);
+        append(row.y, 3);
+        line += row.valid ? "1\n" : "0\n";
+        out.write(line.data(), static_cast<std::streamsize>(line.size()));
     }
 }
 
