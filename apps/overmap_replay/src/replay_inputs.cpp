@@ -138,15 +138,20 @@ SetupResult defaultScene(const LoadedRecordings& recordings, overmap::IfChannelF
         car->setName(recording.stem);
         if (recording.first_position)
             car->setGeoPosition(*recording.first_position);
-        const auto has = [&](const char* name) {
-            return std::find(recording.channel_names.begin(), recording.channel_names.end(), name) !=
-                   recording.channel_names.end();
+        // By id, which two files of the same name cannot confuse; a missing channel is
+        // asked for by name, so that the lookup reports it.
+        const auto find = [&](const std::string& name) {
+            const auto it = std::find(recording.channel_names.begin(), recording.channel_names.end(), name);
+            if (it == recording.channel_names.end())
+                return fetcher.findByName(recording.stem + "." + name);
+            const auto local_id = static_cast<std::uint32_t>(it - recording.channel_names.begin() + 1);
+            return fetcher.findById(channel_config::ChannelID(recording.node_id, local_id));
         };
-        // Asked for even when absent, so that the lookup reports the missing channel.
-        car->setLatitudeChannel(fetcher.findByName(recording.stem + ".latitude"));
-        car->setLongitudeChannel(fetcher.findByName(recording.stem + ".longitude"));
-        if (has("heading"))
-            car->setHeadingChannel(fetcher.findByName(recording.stem + ".heading"));
+        car->setLatitudeChannel(find("latitude"));
+        car->setLongitudeChannel(find("longitude"));
+        const auto& names = recording.channel_names;
+        if (std::find(names.begin(), names.end(), "heading") != names.end())
+            car->setHeadingChannel(find("heading"));
         manager.addObject(std::move(car));
     }
     return result;

@@ -11,6 +11,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -206,6 +207,26 @@ TEST(ReplayToolErrors, AFileThatIsNoSetupIsRefused)
     EXPECT_EQ(result.out, "");
     EXPECT_NE(result.err.find("car1_drive.nmea: not a complete Overmap setup"), std::string::npos)
         << result.err;
+}
+
+TEST(ReplayTool, TwoFilesOfTheSameNameDriveTwoCars)
+{
+    const std::string copy = tempPath("same_name");
+    ASSERT_EQ(std::system(("mkdir -p " + copy).c_str()), 0);
+    {
+        std::ifstream in(RECORDINGS + "car2_drive_100hz.csv", std::ios::binary);
+        std::ofstream(copy + "/car1_drive_100hz.csv", std::ios::binary) << in.rdbuf();
+    }
+    const ToolRun result = runTool({"--data", RECORDINGS + "car1_drive_100hz.csv", "--data",
+                                    copy + "/car1_drive_100hz.csv", "--at", "50.005"});
+    ASSERT_EQ(result.code, 0) << result.err;
+    const auto rows = parseOutput(result.out);
+    ASSERT_EQ(rows.size(), 2u);
+    const auto car2 = readPlainCsv(RECORDINGS + "car2_drive_100hz.csv");
+    const PlainRow* second = rowAt(car2, 50.005);
+    ASSERT_NE(second, nullptr);
+    EXPECT_NEAR(rows[1].latitude, second->latitude, 1e-9) << "the second car follows the second file";
+    EXPECT_NE(rows[0].latitude, rows[1].latitude);
 }
 
 TEST(ReplayTool, PastTheLastSampleACarIsNoLongerValid)

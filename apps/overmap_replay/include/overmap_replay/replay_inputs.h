@@ -59,8 +59,8 @@ struct SetupResult
 SetupResult loadSetup(const std::string& path, overmap::IfChannelFetcher& fetcher);
 
 /// The scene without a setup file: one car per recording, id = node id, named by the
-/// file stem, driven by its "<stem>.latitude", ".longitude" and (when present)
-/// ".heading" channels; the reference plane is centred on the first recorded position.
+/// file stem, driven by its latitude, longitude and (when present) heading channels;
+/// the reference plane is centred on the first recorded position.
 SetupResult defaultScene(const LoadedRecordings& recordings, overmap::IfChannelFetcher& fetcher);
 
 } // namespace overmap_replay
