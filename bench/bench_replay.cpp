@@ -54,6 +54,7 @@ struct Scene
             options.node_id = static_cast<std::uint32_t>(i + 1);
             options.first_stream_id = static_cast<std::uint64_t>(i) * 3 + 1;
             options.time_origin = 1.7e9;
+            options.qualified_long_names = true;
             lum::data::makeRecordingChannels(drive(i), manager, regions, options);
         }
         overmap_replay::ChannelListFetcher fetcher(manager);

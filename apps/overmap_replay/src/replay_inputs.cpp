@@ -73,6 +73,7 @@ LoadedRecordings loadRecordings(const std::vector<std::string>& paths)
         options.node_id = static_cast<std::uint32_t>(i + 1);
         options.first_stream_id = stream_id;
         options.time_origin = result.time_origin;
+        options.qualified_long_names = true;
         const auto channels =
             lum::data::makeRecordingChannels(recording, *result.manager, result.regions, options);
         stream_id += recording.channels.size();

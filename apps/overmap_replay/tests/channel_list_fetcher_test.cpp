@@ -26,6 +26,7 @@ protected:
     ChannelListFetcherTest()
     {
         lum::data::RecordingChannelOptions options;
+        options.qualified_long_names = true;
         m_car1 = lum::data::makeRecordingChannels(recording("/d/car1.csv"), m_manager, nullptr, options);
         options.node_id = 2;
         options.first_stream_id = 10;

@@ -99,7 +99,8 @@ makeRecordingChannels(const lum::import::Recording& recording, MemoryChannelConf
         }
         ferrin::ChannelSetup setup;
         setup.id = channel_config::ChannelID(options.node_id, local_id);
-        setup.items = itemsFor(imported, recordingLongName(recording, imported.name));
+        setup.items = itemsFor(
+            imported, options.qualified_long_names ? recordingLongName(recording, imported.name) : "");
         setup.config_manager = &manager;
         setup.sample_resolution = static_cast<std::int32_t>(channel_config::DAQSampleResolution::DOUBLE);
 

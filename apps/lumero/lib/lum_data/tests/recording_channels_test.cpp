@@ -91,6 +91,7 @@ TEST(RecordingChannels, EachBundledRecordingGetsIdsNamesUnitsAndItsAbsoluteStart
         lum::data::MemoryChannelConfigManager manager;
         lum::data::RecordingChannelOptions options;
         options.node_id = ++node;
+        options.qualified_long_names = true;
         const auto channels = makeRecordingChannels(recording, manager, nullptr, options);
         ASSERT_EQ(channels.size(), recording.channels.size());
         const std::string stem = std::string(file).substr(0, std::string(file).rfind('.'));
@@ -118,6 +119,15 @@ TEST(RecordingChannels, EachBundledRecordingGetsIdsNamesUnitsAndItsAbsoluteStart
 
 TEST(RecordingChannels, LongNamesComeFromTheFileStem)
 {
+    {
+        lum::import::Recording recording;
+        recording.source = "/data/car_a.csv";
+        recording.channels.push_back({"speed", "m/s", {0.0, 0.1}, {1.0, 2.0}});
+        lum::data::MemoryChannelConfigManager manager;
+        const auto channels = makeRecordingChannels(recording, manager, nullptr);
+        ASSERT_EQ(channels.size(), 1u);
+        EXPECT_EQ(channels[0]->getLongName(), "speed") << "unqualified by default";
+    }
     lum::import::Recording recording;
     recording.source = "/data/run.1/car_a.csv";
     EXPECT_EQ(lum::data::recordingLongName(recording, "speed"), "car_a.speed");

@@ -30,6 +30,9 @@ struct RecordingChannelOptions
     /// recordings passes the earliest start, so that all share one small time axis.
     /// Ignored for a recording that does not know its start: it starts at 0.
     double time_origin = 0.0;
+    /// Long names "<file stem>.<name>", so that several recordings of the same kind stay
+    /// apart by long name; otherwise the long name is left empty and reads as the name.
+    bool qualified_long_names = false;
     MemoryChannelOptions memory;
 };
 
@@ -38,8 +41,7 @@ struct RecordingChannelOptions
 /// recording's absolute start less options.time_origin (at 0 for a recording without
 /// one). Evenly spaced channels are synchronous at their rate, the others asynchronous.
 /// Ids: node options.node_id, local 1..N in the recording's order. Items: `Ferrin/Name`,
-/// `Ferrin/LongName` ("<file stem>.<name>", so that two recordings of the same kind
-/// stay apart), `Ferrin/PhysicalUnit`, `Unit`, `Ferrin/Color`, `Used`,
+/// `Ferrin/LongName` (see qualified_long_names), `Ferrin/PhysicalUnit`, `Unit`, `Ferrin/Color`, `Used`,
 /// `Ferrin/Stored`, `ChannelType` (GPS kinds for the names GPS readers give) and
 /// `Visibility`.
 std::vector<std::shared_ptr<ferrin::ScalarChannel>>
