@@ -1,10 +1,10 @@
 // Any bytes as a setup text: reading never crashes, and whatever it keeps can be
 // written out again.
-#include <om_model/if_channel_fetcher.h>
+#include "setup_xml_fuzz_support.h"
+
 #include <om_model/object_manager.h>
 #include <om_model/overmap_xml_read_writer.h>
 
-#include <channel_config/channel_id.h>
 #include <uni_base/uni_log.h>
 
 #include <cstddef>
@@ -12,21 +12,11 @@
 #include <cstdlib>
 #include <string>
 
-namespace {
-/// A host without channels: every look-up misses, so the fall-back paths run.
-class NoChannels : public overmap::IfChannelFetcher
-{
-public:
-    std::shared_ptr<ferrin::ScalarChannel> findById(channel_config::ChannelID) override { return nullptr; }
-    std::shared_ptr<ferrin::ScalarChannel> findByName(std::string) override { return nullptr; }
-};
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static const bool quiet = (uni::initConsoleLogging(SEV_FATAL), true);
     (void)quiet;
-    NoChannels fetcher;
+    setup_fuzz::NoChannels fetcher;
     overmap::ObjectManager manager;
     overmap::XmlReadWriter reader(&manager, &fetcher);
     reader.read(std::string(reinterpret_cast<const char*>(data), size));

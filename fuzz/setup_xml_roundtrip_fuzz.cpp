@@ -1,10 +1,12 @@
 // Any bytes as a setup text: what one read keeps, a write and a second read keep
-// exactly, so the second write gives the text of the first.
-#include <om_model/if_channel_fetcher.h>
+// exactly, so the second write gives the text of the first. The one loss the format
+// means to have: a calculation with an unset end is written without that end's id and
+// dropped by the next read; then the text settles after one more round.
+#include "setup_xml_fuzz_support.h"
+
 #include <om_model/object_manager.h>
 #include <om_model/overmap_xml_read_writer.h>
 
-#include <channel_config/channel_id.h>
 #include <uni_base/uni_log.h>
 
 #include <cstddef>
@@ -14,33 +16,50 @@
 #include <string>
 
 namespace {
-class NoChannels : public overmap::IfChannelFetcher
+
+bool hasOpenCalculation(const overmap::ObjectManager& manager)
 {
-public:
-    std::shared_ptr<ferrin::ScalarChannel> findById(channel_config::ChannelID) override { return nullptr; }
-    std::shared_ptr<ferrin::ScalarChannel> findByName(std::string) override { return nullptr; }
-};
+    for (const auto& calculation : manager.getCalculations())
+        if (!calculation->getFrom() || !calculation->getTo())
+            return true;
+    return false;
+}
+
+std::string readAndWrite(const std::string& text, overmap::ObjectManager& manager)
+{
+    setup_fuzz::NoChannels fetcher;
+    overmap::XmlReadWriter(&manager, &fetcher).read(text);
+    std::string out;
+    overmap::XmlReadWriter(&manager, &fetcher).write(out);
+    return out;
+}
+
+void requireSame(const std::string& expected, const std::string& actual)
+{
+    if (actual == expected)
+        return;
+    std::fprintf(stderr, "expected write:\n%s\nactual write:\n%s\n", expected.c_str(), actual.c_str());
+    std::abort();
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static const bool quiet = (uni::initConsoleLogging(SEV_FATAL), true);
     (void)quiet;
-    NoChannels fetcher;
+    // Even a text read only in part must give a write that reads back the same.
     overmap::ObjectManager first_manager;
-    if (!overmap::XmlReadWriter(&first_manager, &fetcher)
-             .read(std::string(reinterpret_cast<const char*>(data), size)))
-        return 0;
-    std::string first;
-    overmap::XmlReadWriter(&first_manager, &fetcher).write(first);
+    const std::string first =
+        readAndWrite(std::string(reinterpret_cast<const char*>(data), size), first_manager);
 
     overmap::ObjectManager second_manager;
-    overmap::XmlReadWriter(&second_manager, &fetcher).read(first);
-    std::string second;
-    overmap::XmlReadWriter(&second_manager, &fetcher).write(second);
-    if (second != first) {
-        std::fprintf(stderr, "first write:\n%s\nsecond write:\n%s\n", first.c_str(), second.c_str());
-        std::abort();
+    const std::string second = readAndWrite(first, second_manager);
+    if (!hasOpenCalculation(first_manager)) {
+        requireSame(first, second);
+        return 0;
     }
+    overmap::ObjectManager third_manager;
+    requireSame(second, readAndWrite(second, third_manager));
     return 0;
 }

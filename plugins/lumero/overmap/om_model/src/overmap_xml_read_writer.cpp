@@ -24,6 +24,7 @@
 
 #include <cstdlib>
 #include <optional>
+#include <string_view>
 
 namespace overmap {
 
@@ -60,6 +61,20 @@ std::optional<CoordinateSystem> coordinateSystemFromName(const std::string& name
         if (name == coordinateSystemName(system))
             return system;
     return std::nullopt;
+}
+
+/// The element's own text as the vertex loop needs it: a CDATA child, else the first
+/// PCDATA child. Untrimmed and uncopied, since a polyline's text runs to megabytes and
+/// the loop skips white space anyway.
+std::string_view vertexText(const pugi::xml_node& element)
+{
+    for (pugi::xml_node child : element.children())
+        if (child.type() == pugi::node_cdata)
+            return child.value();
+    for (pugi::xml_node child : element.children())
+        if (child.type() == pugi::node_pcdata)
+            return child.value();
+    return {};
 }
 
 bool isPositionElement(const std::string& name)
@@ -579,7 +594,7 @@ std::shared_ptr<TrackLine> Reader::readTrackLine(const pugi::xml_node& element, 
                                  << " node";
         return nullptr;
     }
-    const std::vector<GeoPosition> positions = xml::parsePositionText(xpugi::getText(gps));
+    const std::vector<GeoPosition> positions = xml::parsePositionText(vertexText(gps));
     if (positions.size() != 2) {
         UNI_LOG(LOG, SEV_DETAIL) << "TrackLine XML node does not containt exactly 2 positions";
         return nullptr;
@@ -615,7 +630,7 @@ bool Reader::readTracks(const pugi::xml_node& tracks)
                 track->setName(xpugi::getAttribute(element, "name"));
             if (xpugi::hasAttribute(element, "color"))
                 track->setColor(xpugi::getAttribute(element, "color"));
-            track->setPositions(xml::parsePositionText(xpugi::getText(element)));
+            track->setPositions(xml::parsePositionText(vertexText(element)));
         } else {
             bool ok = true;
             track = readTrackLine(element, id, ok);

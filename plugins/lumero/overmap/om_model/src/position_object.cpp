@@ -145,7 +145,8 @@ void PositionObject::setXYPosition(const Point2D& point)
 
 void PositionObject::setHeading(double degrees)
 {
-    if (std::isnan(degrees)) {
+    // An infinite heading has no remainder either: fmod would store not-a-number.
+    if (!std::isfinite(degrees)) {
         UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR) << "Invalid heading for object " << getName();
         return;
     }

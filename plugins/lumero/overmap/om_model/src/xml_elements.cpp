@@ -5,15 +5,15 @@
 
 #include "om_log.h"
 
-#include <boost/algorithm/string/replace.hpp>
 #include <boost/lexical_cast.hpp>
 #include <fmt/format.h>
 #include <pugixml.hpp>
 #include <uni_base/uni_log.h>
 #include <xpugixml/xpugixml.h>
 
-#include <locale>
-#include <sstream>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
 
 namespace overmap::xml {
 
@@ -95,31 +95,93 @@ bool readContour(const pugi::xml_node& contour, Car& car)
 }
 
 namespace {
+
+bool isStreamSpace(char c)
+{
+    return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+}
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+/// Reads one double the way `stream >> value` does in the classic locale, without the
+/// cost of a stream: skips white space (and, for older files, the two characters
+/// backslash-n), takes the longest text of the form [+-]digits[.digits][e[+-]digits]
+/// and fails when that text is no number or overflows. Leaves @p p after the text.
+bool readStreamDouble(const char*& p, const char* end, double& value)
+{
+    for (;;) {
+        if (p < end && isStreamSpace(*p))
+            ++p;
+        else if (end - p >= 2 && p[0] == '\\' && p[1] == 'n')
+            p += 2;
+        else
+            break;
+    }
+    const char* start = p;
+    const char* q = p;
+    if (q < end && (*q == '+' || *q == '-'))
+        ++q;
+    bool mantissa = false;
+    while (q < end && isDigit(*q)) {
+        ++q;
+        mantissa = true;
+    }
+    if (q < end && *q == '.') {
+        ++q;
+        while (q < end && isDigit(*q)) {
+            ++q;
+            mantissa = true;
+        }
+    }
+    if (mantissa && q < end && (*q == 'e' || *q == 'E')) {
+        ++q;
+        if (q < end && (*q == '+' || *q == '-'))
+            ++q;
+        while (q < end && isDigit(*q))
+            ++q;
+    }
+    p = q;
+    const char* first = (start < q && *start == '+') ? start + 1 : start;
+    if (first == q)
+        return false;
+    const std::from_chars_result result = std::from_chars(first, q, value);
+    if (result.ec == std::errc() && result.ptr == q)
+        return true;
+    if (result.ec != std::errc::result_out_of_range || result.ptr != q)
+        return false;
+    // Out of range: a stream keeps a value too small to represent and fails on overflow.
+    const std::string token(first, q);
+    value = std::strtod(token.c_str(), nullptr);
+    return std::isfinite(value);
+}
+
 /// Reads number pairs until the text ends or stops being numbers.
 template <typename Append>
-void readPairs(std::string text, Append append)
+void readPairs(std::string_view text, Append append)
 {
-    boost::algorithm::replace_all(text, "\\n", "\n");
-    std::istringstream in(text);
-    in.imbue(std::locale::classic());
+    const char* p = text.data();
+    const char* end = p + text.size();
     double first = 0.0;
     double second = 0.0;
-    while (in >> first >> second)
+    while (readStreamDouble(p, end, first) && readStreamDouble(p, end, second))
         append(first, second);
 }
 } // namespace
 
-std::vector<Point2D> parsePointText(std::string text, math_geo::CoordinateSystem system)
+std::vector<Point2D> parsePointText(std::string_view text, math_geo::CoordinateSystem system)
 {
     std::vector<Point2D> points;
-    readPairs(std::move(text), [&](double x, double y) { points.emplace_back(x, y, system); });
+    readPairs(text, [&](double x, double y) { points.emplace_back(x, y, system); });
     return points;
 }
 
-std::vector<math_geo::GeoPosition> parsePositionText(std::string text)
+std::vector<math_geo::GeoPosition> parsePositionText(std::string_view text)
 {
     std::vector<math_geo::GeoPosition> positions;
-    readPairs(std::move(text), [&](double lat, double lon) { positions.emplace_back(lat, lon); });
+    readPairs(text, [&](double lat, double lon) { positions.emplace_back(lat, lon); });
     return positions;
 }
 

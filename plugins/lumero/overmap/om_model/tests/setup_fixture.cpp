@@ -4,6 +4,7 @@
 #include <om_model/cone.h>
 #include <om_model/coordinate_defaults.h>
 #include <om_model/locator.h>
+#include <om_model/overmap_xml_read_writer.h>
 #include <om_model/track_line.h>
 #include <om_model/track_path.h>
 
@@ -256,6 +257,13 @@ void generateSetup(overmap::ObjectManager& manager, std::uint32_t seed,
         calculation->setResultTransformation(static_cast<overmap::ResultTransformation>(draw.integer(0, 2)));
         manager.addCalculation(calculation);
     }
+}
+
+std::string writeSetup(overmap::ObjectManager& manager)
+{
+    std::string text;
+    overmap::XmlReadWriter(&manager, nullptr).write(text);
+    return text;
 }
 
 } // namespace om_test

@@ -49,4 +49,7 @@ private:
 void generateSetup(overmap::ObjectManager& manager, std::uint32_t seed,
                    const std::vector<std::shared_ptr<ferrin::ScalarChannel>>& channels);
 
+/// The manager's setup text, as the writer gives it.
+std::string writeSetup(overmap::ObjectManager& manager);
+
 } // namespace om_test

@@ -8,6 +8,7 @@
 #include <om_model/overmap_xml_read_writer.h>
 #include <om_model/track_line.h>
 #include <om_model/track_path.h>
+#include <om_model/xml_elements.h>
 
 #include <uni_base/uni_log.h>
 #include <uni_testing/assert_capture.h>
@@ -520,6 +521,49 @@ TEST_F(XmlCalculations, AnUnknownElementEndsThePartWithFailure)
                                   "<Calculation calculationId=\"5\" fromId=\"1\" toId=\"2\"/>"));
     EXPECT_TRUE(m_log.contains(CH, SEV_DETAIL, "Unkown node in overmap config in <Calculations> \"Sum\""));
     EXPECT_EQ(m_manager.calculationCount(), 1u);
+}
+
+} // namespace
+
+namespace {
+
+using math_geo::GeoPosition;
+
+// The vertex loop reads numbers as `stream >> value` does: the longest number-shaped
+// text, a leading '+', values too small to represent, and it stops at anything else.
+TEST(XmlVertexText, NumbersReadAsAStreamReadsThem)
+{
+    using overmap::xml::parsePositionText;
+    const auto positions = parsePositionText(" +1.5 -2e1\n.5 3.\\n1e-400 4E+2 ");
+    ASSERT_EQ(positions.size(), 3u);
+    EXPECT_EQ(positions[0], GeoPosition(1.5, -20.0));
+    EXPECT_EQ(positions[1], GeoPosition(0.5, 3.0));
+    EXPECT_EQ(positions[2].latitude, 0.0);
+    EXPECT_EQ(positions[2].longitude, 400.0);
+    EXPECT_EQ(parsePositionText("1.5.5 7 8").size(), 2u) << "\"1.5.5\" is 1.5 then .5";
+    EXPECT_TRUE(parsePositionText("1e 2").empty()) << "an exponent without digits is no number";
+    EXPECT_TRUE(parsePositionText("1e400 2").empty()) << "overflow fails";
+    EXPECT_TRUE(parsePositionText("inf 2").empty());
+    EXPECT_TRUE(parsePositionText("0x10 2").empty()) << "0 then x";
+    EXPECT_EQ(parsePositionText("1 2 3").size(), 1u) << "half a pair is dropped";
+}
+
+} // namespace
+
+namespace {
+
+TEST(XmlHeading, AnInfiniteHeadingIsRefusedLikeNotANumber)
+{
+    ObjectManager manager;
+    uni_testing::LogCapture log;
+    om_test::ListChannelFetcher fetcher;
+    XmlReadWriter(&manager, &fetcher)
+        .read("<Overmap><GeoObjects><Cone objectId=\"1\" name=\"c\" latitude=\"1\" longitude=\"2\" "
+              "heading=\"-inf\"/>"
+              "</GeoObjects></Overmap>");
+    ASSERT_EQ(manager.objectCount(), 1u);
+    EXPECT_EQ(std::dynamic_pointer_cast<overmap::Cone>(manager.objectAt(0))->getHeading(), 0.0);
+    EXPECT_TRUE(log.contains("overmap", SEV_ERROR, "Invalid heading for object c"));
 }
 
 } // namespace

@@ -23,13 +23,6 @@ namespace {
 using overmap::ObjectManager;
 using overmap::XmlReadWriter;
 
-std::string writeSetup(ObjectManager& manager)
-{
-    std::string text;
-    XmlReadWriter(&manager, nullptr).write(text);
-    return text;
-}
-
 TEST(XmlRoundTrip, GeneratedSetupsWriteTheSameTextAfterAReadAndReadWithoutComplaint)
 {
     om_test::RecordingChannels recording;
@@ -38,7 +31,7 @@ TEST(XmlRoundTrip, GeneratedSetupsWriteTheSameTextAfterAReadAndReadWithoutCompla
     for (std::uint32_t seed = 1; seed <= 40; ++seed) {
         ObjectManager original;
         om_test::generateSetup(original, seed, recording.channels());
-        const std::string first = writeSetup(original);
+        const std::string first = om_test::writeSetup(original);
 
         uni_testing::LogCapture log;
         ObjectManager copy;
@@ -46,7 +39,7 @@ TEST(XmlRoundTrip, GeneratedSetupsWriteTheSameTextAfterAReadAndReadWithoutCompla
         EXPECT_EQ(log.count("overmap", SEV_NOTE, ""), 0u) << "seed " << seed;
         EXPECT_EQ(copy.objectCount(), original.objectCount()) << "seed " << seed;
         EXPECT_EQ(copy.calculationCount(), original.calculationCount()) << "seed " << seed;
-        const std::string second = writeSetup(copy);
+        const std::string second = om_test::writeSetup(copy);
         ASSERT_EQ(second, first) << "seed " << seed;
     }
 }
@@ -59,7 +52,7 @@ TEST(XmlRoundTrip, ReadObjectsKeepTheirChannelsReferencesAndLocator)
     ObjectManager original;
     om_test::generateSetup(original, 7, recording.channels());
     ObjectManager copy;
-    ASSERT_TRUE(XmlReadWriter(&copy, &fetcher).read(writeSetup(original)));
+    ASSERT_TRUE(XmlReadWriter(&copy, &fetcher).read(om_test::writeSetup(original)));
 
     ASSERT_EQ(copy.objectCount(), original.objectCount());
     for (std::size_t i = 0; i < copy.objectCount(); ++i) {
@@ -133,7 +126,7 @@ TEST(XmlExample, TheProvingGroundReadsOnTheExampleRecordingsAndWritesBackUnchang
     ObjectManager manager;
     ASSERT_TRUE(XmlReadWriter(&manager, &channels.fetcher).read(text));
     EXPECT_EQ(log.count("overmap", SEV_NOTE, "Can't find channel"), 0u);
-    EXPECT_EQ(writeSetup(manager), text);
+    EXPECT_EQ(om_test::writeSetup(manager), text);
 
     const auto car2 = std::dynamic_pointer_cast<overmap::Car>(manager.findObjectById(2));
     ASSERT_NE(car2, nullptr);

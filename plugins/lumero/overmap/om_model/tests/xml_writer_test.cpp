@@ -25,13 +25,6 @@ using math_geo::Point2D;
 using overmap::ObjectManager;
 using overmap::XmlReadWriter;
 
-std::string writeSetup(ObjectManager& manager)
-{
-    std::string text;
-    XmlReadWriter(&manager, nullptr).write(text);
-    return text;
-}
-
 pugi::xml_document parse(const std::string& text)
 {
     pugi::xml_document document;
@@ -61,7 +54,7 @@ TEST(XmlWriter, AnEmptySceneIsOneRawLineWithDeclarationAndAllFourParts)
 {
     ObjectManager manager;
     manager.setDescription("test drive");
-    const std::string text = writeSetup(manager);
+    const std::string text = om_test::writeSetup(manager);
     EXPECT_EQ(text.rfind("<?xml version=\"1.0\"?>", 0), 0u) << text;
     EXPECT_EQ(text.find('\n'), std::string::npos) << "no line breaks between elements";
     EXPECT_EQ(text.find('\t'), std::string::npos);
@@ -90,7 +83,7 @@ TEST(XmlWriter, RealsHaveTwelveDigitsBehindThePoint)
 {
     ObjectManager manager;
     manager.setReferencePlane(math_geo::ProjectionPlane(GeoPosition(47.5, -10.25), 12.5));
-    const pugi::xml_document document = parse(writeSetup(manager));
+    const pugi::xml_document document = parse(om_test::writeSetup(manager));
     const pugi::xml_node view = document.document_element().child("View");
     EXPECT_STREQ(view.attribute("latitude").value(), "47.500000000000");
     EXPECT_STREQ(view.attribute("longitude").value(), "-10.250000000000");
@@ -114,7 +107,7 @@ TEST(XmlWriter, AGeoPlacedCarWritesItsAttributesInOrderWithPoisContourAndChannel
     car->setGpsOffset(Point2D(0.5, 0.25, CoordinateSystem::DIN70000));
     manager.addObject(car);
 
-    const pugi::xml_document document = parse(writeSetup(manager));
+    const pugi::xml_document document = parse(om_test::writeSetup(manager));
     const pugi::xml_node element = document.document_element().child("GeoObjects").child("Car");
     ASSERT_TRUE(element);
     EXPECT_EQ(attributeNames(element), (Names{"objectId",
@@ -162,7 +155,7 @@ TEST(XmlWriter, AnXYPlacedObjectWritesPositionXYInsteadOfLatitudeLongitudeAndNoA
     auto car = std::make_shared<overmap::Car>(manager.getReferencePlane());
     car->setXYPosition(Point2D(12.5, -3.0, overmap::defaultPlaneCoordinateSystem()));
     manager.addObject(car);
-    const pugi::xml_document document = parse(writeSetup(manager));
+    const pugi::xml_document document = parse(om_test::writeSetup(manager));
     const pugi::xml_node element = document.document_element().child("GeoObjects").child("Car");
     EXPECT_STREQ(element.attribute("positionX").value(), "12.500000000000");
     EXPECT_STREQ(element.attribute("positionY").value(), "-3.000000000000");
@@ -177,7 +170,7 @@ TEST(XmlWriter, ASystemWithoutNameIsLeftOutAndComesBackAsTheDefault)
     const CoordinateSystem fresh = cone->localCoordinateSystem();
     cone->setCoordinateSystem(CoordinateSystem::X_RIGHT_Y_BACK);
     manager.addObject(cone);
-    const std::string text = writeSetup(manager);
+    const std::string text = om_test::writeSetup(manager);
     EXPECT_EQ(text.find("coordinateSystem"), std::string::npos);
     ObjectManager copy;
     om_test::ListChannelFetcher fetcher;
@@ -201,7 +194,7 @@ TEST(XmlWriter, TracksGoUnderTracksWithTheirVerticesAsText)
     manager.addObject(xy_line);
     manager.addObject(half);
 
-    const pugi::xml_document document = parse(writeSetup(manager));
+    const pugi::xml_document document = parse(om_test::writeSetup(manager));
     const pugi::xml_node tracks = document.document_element().child("Tracks");
     EXPECT_EQ(childNames(tracks), (Names{"TrackPath", "TrackLine", "TrackLine"}));
     const pugi::xml_node path_element = tracks.first_child();
@@ -227,7 +220,7 @@ TEST(XmlWriter, CalculationsWriteEffectiveFlagsAndLeaveUnsetEndsOut)
     calculation->setResultTransformation(overmap::ResultTransformation::INVERT);
     manager.addCalculation(calculation);
 
-    const pugi::xml_document document = parse(writeSetup(manager));
+    const pugi::xml_document document = parse(om_test::writeSetup(manager));
     const pugi::xml_node element = document.document_element().child("Calculations").child("Calculation");
     EXPECT_EQ(attributeNames(element),
               (Names{"calculationId", "name", "fromId", "fromPoiIdx", "useFromPoi", "toPoiIdx", "useToPoi",
@@ -249,7 +242,7 @@ TEST(XmlWriter, LocatorIdAndQualityPositionsAreWritten)
     locator->addQualityPosition({0.0, 1.0, nullptr});
     manager.addObject(locator);
     manager.setLocator(locator);
-    const pugi::xml_document document = parse(writeSetup(manager));
+    const pugi::xml_document document = parse(om_test::writeSetup(manager));
     const pugi::xml_node objects = document.document_element().child("GeoObjects");
     EXPECT_STREQ(objects.attribute("locatorId").value(), "77");
     const pugi::xml_node element = objects.child("Locator");
@@ -275,7 +268,7 @@ TEST(XmlWriter, AnObjectOfUnknownTypeIsLoggedAndSkipped)
     manager.addObject(std::make_shared<Marker>(manager.getReferencePlane()));
     manager.addObject(std::make_shared<overmap::Cone>(manager.getReferencePlane()));
     uni_testing::LogCapture log;
-    const pugi::xml_document document = parse(writeSetup(manager));
+    const pugi::xml_document document = parse(om_test::writeSetup(manager));
     EXPECT_TRUE(log.contains("overmap", SEV_DETAIL, "Unknown geo object type to write in XML"));
     EXPECT_EQ(childNames(document.document_element().child("GeoObjects")), (Names{"Cone"}));
     EXPECT_FALSE(document.document_element().child("Tracks").first_child());
