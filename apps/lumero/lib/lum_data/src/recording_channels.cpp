@@ -33,11 +33,12 @@ DAQChannelType channelTypeFor(const std::string& name)
     return it == GPS_KINDS.end() ? DAQChannelType::ANALOG : it->second;
 }
 
-std::shared_ptr<ferrin::ConfigItemStore> itemsFor(const lum::import::ImportedChannel& imported)
+std::shared_ptr<ferrin::ConfigItemStore> itemsFor(const lum::import::ImportedChannel& imported,
+                                                  const std::string& long_name)
 {
     auto items = std::make_shared<ferrin::ConfigItemStore>();
     items->set("Ferrin/Name", config_items::StringConfigItem(imported.name));
-    items->set("Ferrin/LongName", config_items::StringConfigItem(""));
+    items->set("Ferrin/LongName", config_items::StringConfigItem(long_name));
     items->set("Ferrin/PhysicalUnit", config_items::StringConfigItem(imported.unit));
     items->set("Unit", config_items::StringConfigItem(imported.unit));
     items->set("Ferrin/Color", config_items::StringConfigItem("black"));
@@ -67,6 +68,18 @@ double evenInterval(const std::vector<double>& times, double tolerance)
 
 } // namespace
 
+std::string recordingLongName(const lum::import::Recording& recording, const std::string& name)
+{
+    std::string stem = recording.source;
+    const std::size_t slash = stem.find_last_of("/\\");
+    if (slash != std::string::npos)
+        stem.erase(0, slash + 1);
+    const std::size_t dot = stem.rfind('.');
+    if (dot != std::string::npos && dot > 0)
+        stem.erase(dot);
+    return stem.empty() ? name : stem + "." + name;
+}
+
 std::vector<std::shared_ptr<ferrin::ScalarChannel>>
 makeRecordingChannels(const lum::import::Recording& recording, MemoryChannelConfigManager& manager,
                       const std::shared_ptr<ferrin::DataRegionsManager>& regions,
@@ -75,6 +88,8 @@ makeRecordingChannels(const lum::import::Recording& recording, MemoryChannelConf
     std::vector<std::shared_ptr<ferrin::ScalarChannel>> result;
     std::uint32_t local_id = 0;
     std::uint64_t stream_id = options.first_stream_id;
+    const double start =
+        std::isfinite(recording.start_time) ? recording.start_time - options.time_origin : 0.0;
     for (const lum::import::ImportedChannel& imported : recording.channels) {
         ++local_id;
         if (imported.times.size() != imported.values.size() || imported.times.empty()) {
@@ -84,22 +99,26 @@ makeRecordingChannels(const lum::import::Recording& recording, MemoryChannelConf
         }
         ferrin::ChannelSetup setup;
         setup.id = channel_config::ChannelID(options.node_id, local_id);
-        setup.items = itemsFor(imported);
+        setup.items = itemsFor(
+            imported, options.qualified_long_names ? recordingLongName(recording, imported.name) : "");
         setup.config_manager = &manager;
         setup.sample_resolution = static_cast<std::int32_t>(channel_config::DAQSampleResolution::DOUBLE);
 
         std::shared_ptr<ferrin::ScalarChannel> channel;
         const double interval = evenInterval(imported.times, options.sync_tolerance);
         if (interval > 0.0) {
-            setup.time_base = std::make_shared<MemoryTimeBase>(1.0 / interval, imported.times.front());
+            setup.time_base =
+                std::make_shared<MemoryTimeBase>(1.0 / interval, start + imported.times.front());
             channel = SyncScalarChannel::create(std::move(setup), imported.values, regions, stream_id++,
                                                 options.memory);
         } else {
-            setup.time_base = std::make_shared<MemoryTimeBase>(options.async_frequency, 0.0);
+            setup.time_base = std::make_shared<MemoryTimeBase>(options.async_frequency, start);
             std::vector<AsyncScalarChannel::TimedValue> samples;
             samples.reserve(imported.times.size());
             for (std::size_t i = 0; i < imported.times.size(); ++i) {
-                const ferrin::Tick tick = ferrin::timeToTickFloor(imported.times[i], *setup.time_base);
+                // Ticks from the recording's own times: an absolute start would cost precision.
+                const ferrin::Tick tick =
+                    ferrin::timeToTickFloor(imported.times[i], options.async_frequency, 0.0);
                 // Two samples closer than a tick keep the first: ticks must grow.
                 if (tick == ferrin::NO_TICK || (!samples.empty() && tick <= samples.back().first))
                     continue;

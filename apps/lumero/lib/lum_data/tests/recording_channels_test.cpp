@@ -22,7 +22,9 @@ TEST(RecordingChannels, AnEvenCsvBecomesSynchronousChannelsWithItsValues)
     const lum::import::Recording& recording = imported.recording;
     lum::data::MemoryChannelConfigManager manager;
     auto regions = std::make_shared<ferrin::DataRegionsManager>();
-    const auto channels = makeRecordingChannels(recording, manager, regions);
+    lum::data::RecordingChannelOptions options;
+    options.time_origin = recording.start_time;
+    const auto channels = makeRecordingChannels(recording, manager, regions, options);
     ASSERT_EQ(channels.size(), recording.channels.size());
     EXPECT_EQ(manager.channels().size(), channels.size());
 
@@ -46,7 +48,9 @@ TEST(RecordingChannels, AGpxTrackReadsBackAtItsPointTimes)
     const auto imported = lum::import::importGpx(LUMERO_EXAMPLES_DIR "/recordings/car1_drive.gpx");
     ASSERT_TRUE(imported) << imported.error;
     lum::data::MemoryChannelConfigManager manager;
-    const auto channels = makeRecordingChannels(imported.recording, manager, nullptr);
+    lum::data::RecordingChannelOptions options;
+    options.time_origin = imported.recording.start_time;
+    const auto channels = makeRecordingChannels(imported.recording, manager, nullptr, options);
     ASSERT_FALSE(channels.empty());
     const lum::import::ImportedChannel& latitude = *imported.recording.channel("latitude");
     const auto& channel = channels.front();
@@ -70,6 +74,67 @@ TEST(RecordingChannels, AChannelWithoutSamplesIsLeftOutAndReported)
         << "ids keep the recording's order";
     EXPECT_EQ(channels[0]->getValueAtTime(0.3, nullptr), 2.0);
     EXPECT_EQ(channels[0]->getSampleOccurrence(), ferrin::OCCURRENCE_ASYNC);
+}
+
+TEST(RecordingChannels, EachBundledRecordingGetsIdsNamesUnitsAndItsAbsoluteStart)
+{
+    const char* const files[] = {"car1_drive_100hz.csv", "car2_drive_100hz.csv", "car1_drive.nmea",
+                                 "car1_drive.gpx"};
+    std::uint32_t node = 0;
+    for (const char* file : files) {
+        SCOPED_TRACE(file);
+        const auto imported =
+            lum::import::importRecording(std::string(LUMERO_EXAMPLES_DIR "/recordings/") + file);
+        ASSERT_TRUE(imported) << imported.error;
+        const lum::import::Recording& recording = imported.recording;
+        ASSERT_TRUE(std::isfinite(recording.start_time));
+        lum::data::MemoryChannelConfigManager manager;
+        lum::data::RecordingChannelOptions options;
+        options.node_id = ++node;
+        options.qualified_long_names = true;
+        const auto channels = makeRecordingChannels(recording, manager, nullptr, options);
+        ASSERT_EQ(channels.size(), recording.channels.size());
+        const std::string stem = std::string(file).substr(0, std::string(file).rfind('.'));
+        for (std::size_t i = 0; i < channels.size(); ++i) {
+            const lum::import::ImportedChannel& imported_channel = recording.channels[i];
+            const auto& channel = channels[i];
+            EXPECT_EQ(channel->getChannelId(),
+                      channel_config::ChannelID(node, static_cast<std::uint32_t>(i + 1)));
+            EXPECT_EQ(channel->getName(), imported_channel.name);
+            EXPECT_EQ(channel->getLongName(), stem + "." + imported_channel.name);
+            EXPECT_EQ(channel->getUnit(), imported_channel.unit);
+            // Tick 0 stands at the absolute time of the channel's first sample.
+            EXPECT_DOUBLE_EQ(channel->getTimeBase()->getStartTime(),
+                             recording.start_time +
+                                 (channel->getSampleOccurrence() == ferrin::OCCURRENCE_ASYNC
+                                      ? 0.0
+                                      : imported_channel.times.front()));
+            const double first = recording.start_time + imported_channel.times.front();
+            EXPECT_EQ(channel->getValueAtTime(first + 1e-3, nullptr), imported_channel.values.front());
+            EXPECT_TRUE(std::isnan(channel->getValueAtTime(first - 1.0, nullptr)));
+        }
+    }
+    EXPECT_EQ(node, 4u);
+}
+
+TEST(RecordingChannels, LongNamesComeFromTheFileStem)
+{
+    {
+        lum::import::Recording recording;
+        recording.source = "/data/car_a.csv";
+        recording.channels.push_back({"speed", "m/s", {0.0, 0.1}, {1.0, 2.0}});
+        lum::data::MemoryChannelConfigManager manager;
+        const auto channels = makeRecordingChannels(recording, manager, nullptr);
+        ASSERT_EQ(channels.size(), 1u);
+        EXPECT_EQ(channels[0]->getLongName(), "speed") << "unqualified by default";
+    }
+    lum::import::Recording recording;
+    recording.source = "/data/run.1/car_a.csv";
+    EXPECT_EQ(lum::data::recordingLongName(recording, "speed"), "car_a.speed");
+    recording.source = "C:\\runs\\b";
+    EXPECT_EQ(lum::data::recordingLongName(recording, "speed"), "b.speed");
+    recording.source = "";
+    EXPECT_EQ(lum::data::recordingLongName(recording, "speed"), "speed");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -23,7 +24,7 @@ struct Recording
     std::string format; ///< "CSV", "NMEA 0183" or "GPX"
     /// Absolute time of the first sample in seconds since 1970-01-01; NaN when the file
     /// does not say. UTC when start_time_utc is set, local time of the recorder otherwise.
-    double start_time;
+    double start_time = std::numeric_limits<double>::quiet_NaN();
     bool start_time_utc = false;
     std::vector<ImportedChannel> channels;
 

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <om_model/object_manager.h>
+
+#include <math_geo/geo_position.h>
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace overmap_replay {
+
+/// One position object at one time.
+struct ReplayRow
+{
+    double time = 0.0;
+    std::int32_t object_id = 0;
+    std::string name;
+    double latitude = 0.0;
+    double longitude = 0.0;
+    double heading = 0.0; ///< the stored heading, degrees
+    double x = 0.0;       ///< reference plane, metres
+    double y = 0.0;
+    /// False when the object's channels (or its reference object's) have no sample at or
+    /// before the time, or the time lies past their last one: the row then holds where
+    /// the object stood before.
+    bool valid = false;
+};
+
+/// The path of one object that moves with its channels.
+struct ObjectPath
+{
+    std::int32_t object_id = 0;
+    std::string name;
+    std::vector<math_geo::GeoPosition> positions; ///< valid positions, in time order
+};
+
+struct ReplayResult
+{
+    std::vector<ReplayRow> rows; ///< time-major, objects in list order
+    std::vector<ObjectPath> paths;
+};
+
+/// Brings every position object of @p manager to each of @p times in turn (ascending
+/// for the paths to make sense) and records where it stands.
+ReplayResult replayScene(overmap::ObjectManager& manager, const std::vector<double>& times);
+
+/// Header "time,object_id,name,latitude,longitude,heading,x,y,valid", then the rows.
+void writeCsv(std::ostream& out, const std::vector<ReplayRow>& rows);
+/// One Placemark with a LineString per path; paths without positions are left out.
+/// False with @p error set when the file cannot be written.
+bool writeKml(const std::string& path, const std::vector<ObjectPath>& paths, std::string& error);
+/// A FeatureCollection with one LineString feature (properties id and name) per path.
+bool writeGeoJson(const std::string& path, const std::vector<ObjectPath>& paths, std::string& error);
+
+} // namespace overmap_replay

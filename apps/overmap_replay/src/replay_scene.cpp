@@ -1,0 +1,222 @@
+#include <overmap_replay/replay_scene.h>
+
+#include <om_model/position_object.h>
+
+#include <ferrin_core/data_regions_manager.h>
+#include <ferrin_core/scalar_channel.h>
+#include <ferrin_core/tick_arithmetic.h>
+
+#include <fmt/format.h>
+#include <pugixml.hpp>
+
+#include <charconv>
+#include <cmath>
+#include <fstream>
+#include <ostream>
+
+namespace overmap_replay {
+
+namespace {
+
+/// Whether @p channel recorded anything around @p time: reading past the last sample
+/// would hold it for ever. Channels without a regions manager cannot tell and count as recorded.
+bool recordedAt(const ferrin::ScalarChannel& channel, double time)
+{
+    const auto& time_base = channel.getTimeBase();
+    if (!time_base || !channel.getRegionsManager())
+        return true;
+    const ferrin::Tick tick = ferrin::timeToTickFloor(time, *time_base);
+    return tick != ferrin::NO_TICK && channel.isDataAvailable(tick, ferrin::REGION_KIND_SAMPLES, 0);
+}
+
+/// Whether the object's channels give it a place at @p time; objects without channels
+/// always have one. Reading ahead keeps update() from logging every gap as an error.
+bool positionKnownAt(const overmap::PositionObject& object, double time, int depth = 0)
+{
+    if (const auto& parent = object.getReferenceObject())
+        return depth < 64 && positionKnownAt(*parent, time, depth + 1);
+    if (object.isXYPosition() || !object.hasPositionChannels())
+        return true;
+    const auto& latitude = object.getLatitudeChannel();
+    const auto& longitude = object.getLongitudeChannel();
+    if ((latitude && !recordedAt(*latitude, time)) || (longitude && !recordedAt(*longitude, time)))
+        return false;
+    math_geo::GeoPosition position = object.getGeoPosition();
+    if (latitude)
+        position.latitude = latitude->getValueAtTime(time, nullptr);
+    if (longitude)
+        position.longitude = longitude->getValueAtTime(time, nullptr);
+    return position.valid();
+}
+
+bool moves(const overmap::PositionObject& object, int depth = 0)
+{
+    if (const auto& parent = object.getReferenceObject())
+        return depth < 64 && moves(*parent, depth + 1);
+    return !object.isXYPosition() && (object.hasPositionChannels() || object.getHeadingChannel());
+}
+
+std::string csvText(const std::string& text)
+{
+    if (text.find_first_of(",\"\r\n") == std::string::npos)
+        return text;
+    std::string quoted = "\"";
+    for (char c : text) {
+        if (c == '"')
+            quoted += '"';
+        quoted += c;
+    }
+    return quoted + "\"";
+}
+
+std::string jsonText(const std::string& text)
+{
+    std::string out = "\"";
+    for (char c : text) {
+        switch (c) {
+        case '"':
+            out += "\\\"";
+            break;
+        case '\\':
+            out += "\\\\";
+            break;
+        default:
+            if (static_cast<unsigned char>(c) < 0x20)
+                out += fmt::format("\\u{:04x}", static_cast<unsigned>(c));
+            else
+                out += c;
+        }
+    }
+    return out + "\"";
+}
+
+} // namespace
+
+ReplayResult replayScene(overmap::ObjectManager& manager, const std::vector<double>& times)
+{
+    ReplayResult result;
+    std::vector<std::shared_ptr<overmap::PositionObject>> objects;
+    std::vector<std::size_t> path_index;
+    for (const auto& object : manager.getObjects()) {
+        auto position_object = std::dynamic_pointer_cast<overmap::PositionObject>(object);
+        if (!position_object)
+            continue;
+        objects.push_back(position_object);
+        if (moves(*position_object)) {
+            path_index.push_back(result.paths.size());
+            result.paths.push_back({position_object->getId(), position_object->getName(), {}});
+        } else {
+            path_index.push_back(SIZE_MAX);
+        }
+    }
+    result.rows.reserve(times.size() * objects.size());
+    for (double time : times) {
+        for (std::size_t i = 0; i < objects.size(); ++i) {
+            overmap::PositionObject& object = *objects[i];
+            const bool valid = positionKnownAt(object, time);
+            if (valid)
+                object.update(time);
+            const math_geo::GeoPosition position = object.getGeoPosition();
+            const math_geo::Point2D& xy = object.getXYPosition();
+            result.rows.push_back({time, object.getId(), object.getName(), position.latitude,
+                                   position.longitude, object.getHeading(), xy.x, xy.y, valid});
+            if (valid && path_index[i] != SIZE_MAX)
+                result.paths[path_index[i]].positions.push_back(position);
+        }
+    }
+    return result;
+}
+
+void writeCsv(std::ostream& out, const std::vector<ReplayRow>& rows)
+{
+    out << "time,object_id,name,latitude,longitude,heading,x,y,valid\n";
+    // std::to_chars with a fixed precision is several times faster than the stream or
+    // fmt's fixed formatting, and rows are most of the tool's work.
+    std::string line;
+    char number[64];
+    const auto append = [&](double value, int precision) {
+        const auto result = precision < 0 ? std::to_chars(number, number + sizeof number, value)
+                                          : std::to_chars(number, number + sizeof number, value,
+                                                          std::chars_format::fixed, precision);
+        line.append(number, result.ec == std::errc() ? result.ptr : number);
+        line += ',';
+    };
+    for (const ReplayRow& row : rows) {
+        line.clear();
+        append(row.time, -1);
+        line += std::to_string(row.object_id);
+        line += ',';
+        line += csvText(row.name);
+        line += ',';
+        append(row.latitude, 9);
+        append(row.longitude, 9);
+        append(row.heading, 3);
+        append(row.x, 3);
+        append(row.y, 3);
+        line += row.valid ? "1\n" : "0\n";
+        out.write(line.data(), static_cast<std::streamsize>(line.size()));
+    }
+}
+
+bool writeKml(const std::string& path, const std::vector<ObjectPath>& paths, std::string& error)
+{
+    pugi::xml_document document;
+    pugi::xml_node kml = document.append_child("kml");
+    kml.append_attribute("xmlns") = "http://www.opengis.net/kml/2.2";
+    pugi::xml_node folder = kml.append_child("Document");
+    folder.append_child("name").text() = "overmap-replay";
+    for (const ObjectPath& object_path : paths) {
+        if (object_path.positions.empty())
+            continue;
+        pugi::xml_node placemark = folder.append_child("Placemark");
+        placemark.append_child("name").text() = object_path.name.c_str();
+        pugi::xml_node line = placemark.append_child("LineString");
+        line.append_child("tessellate").text() = "1";
+        // lon,lat,alt tuples, one blank apart and none after the last: a trailing blank
+        // would read back as one more point.
+        std::string coordinates;
+        for (const math_geo::GeoPosition& position : object_path.positions) {
+            if (!coordinates.empty())
+                coordinates += ' ';
+            coordinates += fmt::format("{:.9f},{:.9f},0", position.longitude, position.latitude);
+        }
+        line.append_child("coordinates").text() = coordinates.c_str();
+    }
+    if (!document.save_file(path.c_str(), "  ", pugi::format_default, pugi::encoding_utf8)) {
+        error = path + ": cannot write the KML file";
+        return false;
+    }
+    return true;
+}
+
+bool writeGeoJson(const std::string& path, const std::vector<ObjectPath>& paths, std::string& error)
+{
+    std::ofstream out(path, std::ios::binary);
+    out << "{\"type\":\"FeatureCollection\",\"features\":[";
+    bool first_feature = true;
+    for (const ObjectPath& object_path : paths) {
+        if (object_path.positions.empty())
+            continue;
+        out << (first_feature ? "\n" : ",\n")
+            << "{\"type\":\"Feature\",\"properties\":{\"id\":" << object_path.object_id
+            << ",\"name\":" << jsonText(object_path.name)
+            << "},\"geometry\":{\"type\":\"LineString\",\"coordinates\":[";
+        first_feature = false;
+        bool first_point = true;
+        for (const math_geo::GeoPosition& position : object_path.positions) {
+            out << (first_point ? "" : ",")
+                << fmt::format("[{:.9f},{:.9f}]", position.longitude, position.latitude);
+            first_point = false;
+        }
+        out << "]}}";
+    }
+    out << "\n]}\n";
+    out.flush();
+    if (!out) {
+        error = path + ": cannot write the GeoJSON file";
+        return false;
+    }
+    return true;
+}
+
+} // namespace overmap_replay
