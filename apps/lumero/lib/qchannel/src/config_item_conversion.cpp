@@ -34,14 +34,12 @@ QVariant configItemToVariant(const channel_config::ConfigItemVariant& item)
             else if constexpr (std::is_same_v<T, ci::RationalScalarConfigItem>)
                 return static_cast<double>(value.getValue().numerator()) /
                        static_cast<double>(value.getValue().denominator());
-            else if constexpr (std::is_same_v<T, ci::ValueListConfigItem<std::string>>)
-            {
+            else if constexpr (std::is_same_v<T, ci::ValueListConfigItem<std::string>>) {
                 QStringList list;
                 for (const std::string& text : value.getValues())
                     list << QString::fromStdString(text);
                 return list;
-            }
-            else if constexpr (std::is_same_v<T, ci::InvalidConfigItem>)
+            } else if constexpr (std::is_same_v<T, ci::InvalidConfigItem>)
                 return QVariant();
             else
                 return QString::fromStdString(channel_config::toString(item));
@@ -51,8 +49,7 @@ QVariant configItemToVariant(const channel_config::ConfigItemVariant& item)
 
 std::optional<channel_config::ConfigItemVariant> variantToConfigItem(const QVariant& value)
 {
-    switch (static_cast<int>(value.type()))
-    {
+    switch (static_cast<int>(value.type())) {
     case QMetaType::Bool:
         return channel_config::ConfigItemVariant(ci::SingleValueConfigItem<bool>(value.toBool()));
     case QMetaType::Int:
@@ -64,20 +61,21 @@ std::optional<channel_config::ConfigItemVariant> variantToConfigItem(const QVari
     case QMetaType::UShort:
     case QMetaType::UChar:
         return channel_config::ConfigItemVariant(ci::SingleValueConfigItem<unsigned int>(value.toUInt()));
-    case QMetaType::LongLong:
-    {
+    case QMetaType::LongLong: {
         const qlonglong number = value.toLongLong();
         if (number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max())
-            return channel_config::ConfigItemVariant(ci::SingleValueConfigItem<int>(static_cast<int>(number)));
-        return channel_config::ConfigItemVariant(ci::SingleValueConfigItem<double>(static_cast<double>(number)));
+            return channel_config::ConfigItemVariant(
+                ci::SingleValueConfigItem<int>(static_cast<int>(number)));
+        return channel_config::ConfigItemVariant(
+            ci::SingleValueConfigItem<double>(static_cast<double>(number)));
     }
-    case QMetaType::ULongLong:
-    {
+    case QMetaType::ULongLong: {
         const qulonglong number = value.toULongLong();
         if (number <= std::numeric_limits<unsigned int>::max())
             return channel_config::ConfigItemVariant(
                 ci::SingleValueConfigItem<unsigned int>(static_cast<unsigned int>(number)));
-        return channel_config::ConfigItemVariant(ci::SingleValueConfigItem<double>(static_cast<double>(number)));
+        return channel_config::ConfigItemVariant(
+            ci::SingleValueConfigItem<double>(static_cast<double>(number)));
     }
     case QMetaType::Double:
     case QMetaType::Float:
@@ -85,12 +83,10 @@ std::optional<channel_config::ConfigItemVariant> variantToConfigItem(const QVari
     case QMetaType::QString:
         return channel_config::ConfigItemVariant(ci::StringConfigItem(value.toString().toStdString()));
     case QMetaType::QStringList:
-    case QMetaType::QVariantList:
-    {
+    case QMetaType::QVariantList: {
         if (value.type() == QVariant::List)
             for (const QVariant& element : value.toList())
-                if (!element.canConvert<QString>())
-                {
+                if (!element.canConvert<QString>()) {
                     UNI_FAIL("Unknown object type in QVariant.");
                     return std::nullopt;
                 }

@@ -5,8 +5,8 @@
 #include <qchannel/qbus_message.h>
 #include <qchannel/qcomplex_sample.h>
 
-#include <config_items/config_item_variant.h>
 #include <config_items/config_enums.h>
+#include <config_items/config_item_variant.h>
 #include <config_items/parse_string_visitor.h>
 #include <ferrin_core/channel_config_manager.h>
 #include <ferrin_core/channel_kinds.h>
@@ -66,7 +66,8 @@ QChannel::QChannel(std::shared_ptr<ferrin::Channel> channel, QObject* parent)
     renewTypedViews();
     registerObserver();
 
-    connect(&m_action_watcher, &QFutureWatcher<void>::finished, this, &QChannel::channelActionInProgressChanged);
+    connect(&m_action_watcher, &QFutureWatcher<void>::finished, this,
+            &QChannel::channelActionInProgressChanged);
     connect(this, &QChannel::ferrinChannelChanged, this, &QChannel::channelTypeDescriptionChanged);
     connect(this, &QChannel::sampleOccurenceChanged, this, &QChannel::channelTypeDescriptionChanged);
     connect(this, &QChannel::sampleDimensionChanged, this, &QChannel::channelTypeDescriptionChanged);
@@ -107,7 +108,8 @@ void QChannel::renewTypedViews()
 {
     m_ferrin_scalar_channel = std::dynamic_pointer_cast<ferrin::ScalarChannel>(m_ferrin_channel);
     m_ferrin_vector_channel = std::dynamic_pointer_cast<ferrin::ScalarVectorChannel>(m_ferrin_channel);
-    m_ferrin_complex_vector_channel = std::dynamic_pointer_cast<ferrin::ComplexVectorChannel>(m_ferrin_channel);
+    m_ferrin_complex_vector_channel =
+        std::dynamic_pointer_cast<ferrin::ComplexVectorChannel>(m_ferrin_channel);
 }
 
 // ---------------------------------------------------------------------------------------
@@ -168,20 +170,18 @@ std::pair<double, double> QChannel::findNearSample(double time) const
     const std::unique_ptr<ferrin::IfSampleIterator> next =
         channel->getSampleIterator(next_tick, daq::SEEK_AT_OR_AFTER);
 
-    const bool previous_ok =
-        previous_tick != ferrin::NO_TICK && channel->isDataAvailable(previous_tick, ferrin::REGION_KIND_SAMPLES, 0);
+    const bool previous_ok = previous_tick != ferrin::NO_TICK &&
+                             channel->isDataAvailable(previous_tick, ferrin::REGION_KIND_SAMPLES, 0);
     const double sample_period = ferrin::ticksToSeconds(1, time_base);
 
     double span = sample_period;
-    if (next && next->isValid() && channel->isDataAvailable(next_tick, ferrin::REGION_KIND_SAMPLES, 0))
-    {
+    if (next && next->isValid() && channel->isDataAvailable(next_tick, ferrin::REGION_KIND_SAMPLES, 0)) {
         const double next_time = ferrin::tickToTime(next->getTimestamp(), time_base);
         if (channel->getSampleOccurrence() != ferrin::OCCURRENCE_SYNC)
             span = (next_time - previous_time) * 0.5;
         const bool previous_nearer =
             previous_ok && std::abs(previous_time - time) < std::abs(next_time - time);
-        if (!previous_nearer && (span == 0.0 || span > std::abs(next_time - time)))
-        {
+        if (!previous_nearer && (span == 0.0 || span > std::abs(next_time - time))) {
             const auto* value = static_cast<const double*>(next->getValue());
             return {value ? *value : NaN, next_time};
         }
@@ -201,8 +201,7 @@ QVariant QChannel::indexedValue(int index, double time, bool ensure_loaded) cons
     if (!sample)
         return nanVariant();
     const auto position = static_cast<std::size_t>(index);
-    if (m_ferrin_vector_channel)
-    {
+    if (m_ferrin_vector_channel) {
         const auto* values = std::get_if<std::vector<double>>(&sample->value);
         if (values && position < values->size())
             return QVariant((*values)[position]);
@@ -254,16 +253,14 @@ QVariant QChannel::anyValueAtTimeEnsureLoaded(double time) const
     if (time < 0.0)
         return QVariant();
     QVariantMap result;
-    if (m_ferrin_scalar_channel)
-    {
+    if (m_ferrin_scalar_channel) {
         ferrin::Tick tick = ferrin::NO_TICK;
         const double value = m_ferrin_scalar_channel->getValueAtTimeEnsureLoaded(time, &tick);
         if (!std::isnan(value) && tick != ferrin::NO_TICK)
             result.insert(QStringLiteral("value"), value);
         const std::optional<ferrin::ReducedValue> reduced =
             m_ferrin_scalar_channel->getReducedValueAtTime(time, 1, 1, true);
-        if (reduced)
-        {
+        if (reduced) {
             QVariantMap summary;
             summary.insert(QStringLiteral("min"), reduced->min);
             summary.insert(QStringLiteral("max"), reduced->max);
@@ -271,9 +268,7 @@ QVariant QChannel::anyValueAtTimeEnsureLoaded(double time) const
             summary.insert(QStringLiteral("rms"), reduced->rms);
             result.insert(QStringLiteral("reduced_value"), summary);
         }
-    }
-    else if (m_ferrin_channel)
-    {
+    } else if (m_ferrin_channel) {
         const daq::SamplePtr sample = m_ferrin_channel->getSampleAtTimeEnsureLoaded(time);
         const QVariant value = sampleToVariant(sample.get());
         if (!value.isNull())
@@ -304,8 +299,8 @@ double QChannel::getFirstRegionStart() const
 {
     if (!m_ferrin_channel || !m_ferrin_channel->getTimeBase())
         return 0.0;
-    const ferrin::DataRegions regions =
-        m_ferrin_channel->getDataRegions(0, ferrin::NO_TICK - 1, ferrin::REGION_KIND_SAMPLES, 0, false, false);
+    const ferrin::DataRegions regions = m_ferrin_channel->getDataRegions(
+        0, ferrin::NO_TICK - 1, ferrin::REGION_KIND_SAMPLES, 0, false, false);
     if (regions.empty())
         return 0.0;
     return ferrin::tickToTime(regions.front().first, *m_ferrin_channel->getTimeBase());
@@ -315,8 +310,8 @@ double QChannel::getLastRegionEnd() const
 {
     if (!m_ferrin_channel || !m_ferrin_channel->getTimeBase())
         return 0.0;
-    const ferrin::DataRegions regions =
-        m_ferrin_channel->getDataRegions(0, ferrin::NO_TICK - 1, ferrin::REGION_KIND_SAMPLES, 0, false, false);
+    const ferrin::DataRegions regions = m_ferrin_channel->getDataRegions(
+        0, ferrin::NO_TICK - 1, ferrin::REGION_KIND_SAMPLES, 0, false, false);
     if (regions.empty())
         return 0.0;
     return ferrin::tickToTime(regions.back().second, *m_ferrin_channel->getTimeBase());
@@ -329,8 +324,7 @@ QVariant QChannel::sampleToVariant(const daq::Sample* sample)
     const daq::SampleData& data = sample->value;
     // The type code decides; a code that disagrees with the value held gives nothing
     // rather than a throw on the display path.
-    switch (sample->type)
-    {
+    switch (sample->type) {
     case daq::SAMPLE_TYPE_NONE:
         return QVariant();
     case daq::SAMPLE_TYPE_DOUBLE:
@@ -338,8 +332,7 @@ QVariant QChannel::sampleToVariant(const daq::Sample* sample)
             return QVariant(*value);
         break;
     case daq::SAMPLE_TYPE_VECTOR:
-        if (const auto* values = std::get_if<std::vector<double>>(&data))
-        {
+        if (const auto* values = std::get_if<std::vector<double>>(&data)) {
             QVariantList list;
             list.reserve(static_cast<int>(values->size()));
             for (double value : *values)
@@ -348,8 +341,7 @@ QVariant QChannel::sampleToVariant(const daq::Sample* sample)
         }
         break;
     case daq::SAMPLE_TYPE_COMPLEX_VECTOR:
-        if (const auto* values = std::get_if<std::vector<std::complex<double>>>(&data))
-        {
+        if (const auto* values = std::get_if<std::vector<std::complex<double>>>(&data)) {
             QVariantList list;
             list.reserve(static_cast<int>(values->size()));
             for (const std::complex<double>& value : *values)
@@ -359,8 +351,8 @@ QVariant QChannel::sampleToVariant(const daq::Sample* sample)
         break;
     case daq::SAMPLE_TYPE_CAN:
         if (const auto* frame = std::get_if<daq::CanFrame>(&data))
-            return QVariant::fromValue(new lum::message::QCanMessage(sample->timestamp, frame->id, frame->isExtended(),
-                                                                     frame->isRemote(), frame->payload));
+            return QVariant::fromValue(new lum::message::QCanMessage(
+                sample->timestamp, frame->id, frame->isExtended(), frame->isRemote(), frame->payload));
         break;
     case daq::SAMPLE_TYPE_VIDEO:
         if (const auto* frame = std::get_if<daq::VideoFrame>(&data))
@@ -373,8 +365,8 @@ QVariant QChannel::sampleToVariant(const daq::Sample* sample)
         break;
     case daq::SAMPLE_TYPE_FLEXRAY:
         if (const auto* frame = std::get_if<daq::FlexRayFrame>(&data))
-            return QVariant::fromValue(
-                new lum::message::QFlexrayMessage(sample->timestamp, frame->cycle, frame->slot, frame->payload));
+            return QVariant::fromValue(new lum::message::QFlexrayMessage(sample->timestamp, frame->cycle,
+                                                                         frame->slot, frame->payload));
         break;
     case daq::SAMPLE_TYPE_BYTE_VECTOR:
         if (const auto* bytes = std::get_if<daq::ByteVector>(&data))
@@ -395,15 +387,13 @@ QVariant QChannel::getConfigItem(const QString& key) const
 {
     if (key.isEmpty())
         return QVariant();
-    if (!m_ferrin_channel)
-    {
+    if (!m_ferrin_channel) {
         UNI_FAIL("getConfigItem on invalid ferrin channel");
         return QVariant();
     }
     const std::string std_key = key.toStdString();
     const ferrin::ConfigItem item = m_ferrin_channel->getConfigItem(std_key);
-    if (std_key == "Ferrin/LongName")
-    {
+    if (std_key == "Ferrin/LongName") {
         const auto* text = std::get_if<config_items::StringConfigItem>(&item);
         if (text && text->getValue().empty())
             return detail::configItemToVariant(m_ferrin_channel->getConfigItem("Ferrin/Name"));
@@ -415,14 +405,16 @@ QString QChannel::getConfigItemType(const QString& key) const
 {
     if (!m_ferrin_channel)
         return QString();
-    return QString::fromStdString(channel_config::configItemTypeName(m_ferrin_channel->getConfigItem(key.toStdString())));
+    return QString::fromStdString(
+        channel_config::configItemTypeName(m_ferrin_channel->getConfigItem(key.toStdString())));
 }
 
 QString QChannel::getConfigItemAsString(const QString& key) const
 {
     if (!m_ferrin_channel)
         return QString();
-    return QString::fromStdString(channel_config::toString(m_ferrin_channel->getConfigItem(key.toStdString())));
+    return QString::fromStdString(
+        channel_config::toString(m_ferrin_channel->getConfigItem(key.toStdString())));
 }
 
 namespace {
@@ -433,19 +425,14 @@ namespace {
 std::optional<ferrin::ConfigItem> itemForValue(const ferrin::Channel& channel, const std::string& key,
                                                const QVariant& value)
 {
-    if (value.type() == QVariant::String && channel.hasConfigItem(key))
-    {
+    if (value.type() == QVariant::String && channel.hasConfigItem(key)) {
         ferrin::ConfigItem current = channel.getConfigItem(key);
         if (!std::holds_alternative<config_items::InvalidConfigItem>(current) &&
-            !std::holds_alternative<config_items::StringConfigItem>(current))
-        {
-            try
-            {
+            !std::holds_alternative<config_items::StringConfigItem>(current)) {
+            try {
                 if (channel_config::ParseStringVisitor().parse(value.toString().toStdString(), current))
                     return current;
-            }
-            catch (const std::exception&)
-            {
+            } catch (const std::exception&) {
                 // Refused by the typed parser: the plain conversion below decides.
             }
         }
@@ -474,16 +461,17 @@ bool QChannel::setConfigItems(const QVariantMap& values)
     if (!m_ferrin_channel)
         return false;
     ferrin_config::ConfigRequests requests;
-    for (auto it = values.cbegin(); it != values.cend(); ++it)
-    {
-        if (!UNI_ASSERT_MSG(it.value().isValid(), "setConfigItems: called with value 'invalid' for key %s",
+    for (auto it = values.cbegin(); it != values.cend(); ++it) {
+        const QVariant& value = it.value();
+        if (!UNI_ASSERT_MSG(value.isValid(), "setConfigItems: called with value 'invalid' for key %s",
                             qPrintable(it.key())))
             return false;
         const std::string key = it.key().toStdString();
-        std::optional<ferrin::ConfigItem> item = itemForValue(*m_ferrin_channel, key, it.value());
+        std::optional<ferrin::ConfigItem> item = itemForValue(*m_ferrin_channel, key, value);
         if (!item)
             return false;
-        requests.push_back(ferrin_config::ConfigRequest{m_ferrin_channel->getChannelId(), key, std::move(*item)});
+        requests.push_back(
+            ferrin_config::ConfigRequest{m_ferrin_channel->getChannelId(), key, std::move(*item)});
     }
     return m_ferrin_channel->setConfigItems(requests);
 }
@@ -602,8 +590,9 @@ bool QChannel::isConnector(const QString& connector_id) const
 {
     if (!m_ferrin_channel)
         return false;
-    const std::string connector = channel_config::toString(m_ferrin_channel->getConfigItem("ID:ChannelType")) +
-                                  channel_config::toString(m_ferrin_channel->getConfigItem("ID:ChannelIndex"));
+    const std::string connector =
+        channel_config::toString(m_ferrin_channel->getConfigItem("ID:ChannelType")) +
+        channel_config::toString(m_ferrin_channel->getConfigItem("ID:ChannelIndex"));
     return QString::fromStdString(connector) == connector_id;
 }
 
@@ -626,12 +615,9 @@ bool QChannel::isStored() const
 {
     if (!m_ferrin_channel)
         return false;
-    try
-    {
+    try {
         return m_ferrin_channel->isStored();
-    }
-    catch (const std::exception& error)
-    {
+    } catch (const std::exception& error) {
         UNI_LOG(LOGGER, SEV_ERROR) << "Ferrin/Stored of channel " << getChannelId().toStdString() << ": "
                                    << error.what();
         return false;
@@ -697,8 +683,7 @@ QChannel::SampleValueType QChannel::sampleValueType() const
         return SAMPLE_VALUE_VIDEO;
     if (dynamic_cast<const ferrin::AsyncByteVectorChannel*>(m_ferrin_channel.get()))
         return SAMPLE_VALUE_BYTE_VECTOR;
-    switch (resolution)
-    {
+    switch (resolution) {
     case 0:
         return SAMPLE_VALUE_VECTOR;
     case 12:
@@ -716,12 +701,13 @@ QString QChannel::channelTypeDescription() const
 {
     if (!m_ferrin_channel)
         return QStringLiteral("-");
-    const QString resolution = enumText<channel_config::DAQSampleResolution>(m_ferrin_channel->getSampleResolution());
-    const QString occurrence = enumText<channel_config::SampleOccurrenceType>(m_ferrin_channel->getSampleOccurrence());
+    const QString resolution =
+        enumText<channel_config::DAQSampleResolution>(m_ferrin_channel->getSampleResolution());
+    const QString occurrence =
+        enumText<channel_config::SampleOccurrenceType>(m_ferrin_channel->getSampleOccurrence());
     const QString type = enumText<channel_config::DAQChannelType>(m_ferrin_channel->getChannelType());
     const QString dimension = QString::number(m_ferrin_channel->getSampleDimension());
-    if (m_ferrin_scalar_channel)
-    {
+    if (m_ferrin_scalar_channel) {
         UNI_ASSERT_MSG(m_ferrin_scalar_channel->getSampleDimension() == 1,
                        "m_ferrin_scalar_channel->getSampleDimension() != 1 (%u != %d)",
                        m_ferrin_scalar_channel->getSampleDimension(), 1);
@@ -770,24 +756,19 @@ void QChannel::applyChannelAction(const QString& key, double time)
     UNI_LOG(LOGGER, SEV_NOTICE) << "applyChannelAction " << key.toStdString();
     if (!m_ferrin_channel)
         return;
-    if (m_action_watcher.isRunning())
-    {
+    if (m_action_watcher.isRunning()) {
         UNI_LOG(LOGGER, SEV_NOTE) << "Skipping ChannelAction " << key.toStdString()
                                   << " because there is already another action in progress!";
         return;
     }
     QThreadPool* pool = QThreadPool::globalInstance();
-    if (pool)
-    {
+    if (pool) {
         // The task holds its own reference, so a replacement of the channel meanwhile
         // does not pull it away under the running action.
         std::shared_ptr<ferrin::Channel> channel = m_ferrin_channel;
-        m_action_future = QtConcurrent::run(pool, [channel, action = key.toStdString(), time] {
-            channel->applyChannelAction(action, time);
-        });
-    }
-    else
-    {
+        m_action_future = QtConcurrent::run(
+            pool, [channel, action = key.toStdString(), time] { channel->applyChannelAction(action, time); });
+    } else {
         QFutureInterface<void> refused;
         refused.reportStarted();
         refused.reportCanceled();
@@ -816,14 +797,12 @@ bool QChannel::hasMetaData(const QString& key) const
 
 QVariant QChannel::metaData(const QString& key) const
 {
-    if (!hasMetaData())
-    {
+    if (!hasMetaData()) {
         UNI_FAIL("Meta data not found");
         return nanVariant();
     }
     const std::optional<std::map<std::string, std::any>> data = m_ferrin_channel->getMetaData();
-    if (!data)
-    {
+    if (!data) {
         UNI_FAIL("Meta data not found");
         return nanVariant();
     }
@@ -880,24 +859,18 @@ void QChannel::onChannelConfigItemChanged(channel_config::ChannelID channel_id, 
 
     if (key == QLatin1String("Used"))
         emit usedChanged();
-    else if (key == QLatin1String("Ferrin/Color"))
-    {
+    else if (key == QLatin1String("Ferrin/Color")) {
         // A colour changes nothing else: no range signals, and the constraints taken
         // out above are not given deleteLater.
         emit colorChanged(color());
         return;
-    }
-    else if (key == QLatin1String("Ferrin/Name"))
-    {
+    } else if (key == QLatin1String("Ferrin/Name")) {
         emit nameChanged(name());
         emit displayNameChanged();
-    }
-    else if (key == QLatin1String("Ferrin/DomainUrl"))
-    {
+    } else if (key == QLatin1String("Ferrin/DomainUrl")) {
         emit domainChanged(QString::fromStdString(itemText("Ferrin/DomainUrl")));
         emit displayNameChanged();
-    }
-    else if (key == QLatin1String("Unit") || key == QLatin1String("Ferrin/PhysicalUnit"))
+    } else if (key == QLatin1String("Unit") || key == QLatin1String("Ferrin/PhysicalUnit"))
         emit unitChanged();
     else if (key == QLatin1String("Ferrin/Stored"))
         emit storedChanged();
@@ -935,8 +908,7 @@ void QChannel::updateFerrinChannel(std::shared_ptr<ferrin::Channel> new_channel)
         onChannelConfigItemChanged(id, QString::fromStdString(key));
 
     emit sampleValueTypeChanged();
-    if (had_channel)
-    {
+    if (had_channel) {
         if (old_occurrence != sampleOccurence())
             emit sampleOccurenceChanged();
         if (old_dimension != dimension())

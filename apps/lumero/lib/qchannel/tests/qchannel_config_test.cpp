@@ -19,9 +19,9 @@
 
 #include <condition_variable>
 #include <map>
-#include <set>
 #include <memory>
 #include <mutex>
+#include <set>
 
 using channel_config::ChannelID;
 using lum::qchannel::QChannel;
@@ -91,7 +91,8 @@ TEST_F(QChannelConfig, KeysBySort)
     set("Alpha", config_items::StringConfigItem("x"));
 
     const QStringList plain = qchannel.getAvailableConfigKeys(false);
-    EXPECT_EQ(plain, (QStringList{"Ferrin/Name", "Ferrin/LongName", "Used", "Ferrin/Color", "Unit", "Alpha"}));
+    EXPECT_EQ(plain,
+              (QStringList{"Ferrin/Name", "Ferrin/LongName", "Used", "Ferrin/Color", "Unit", "Alpha"}));
     QStringList sorted = plain;
     sorted.sort();
     EXPECT_EQ(qchannel.getAvailableConfigKeys(true), sorted);
@@ -247,8 +248,7 @@ struct KeySignals
 };
 
 class ChangeSignals : public QChannelConfig, public ::testing::WithParamInterface<KeySignals>
-{
-};
+{};
 
 TEST_P(ChangeSignals, EachKeyHasItsSignals)
 {
@@ -256,8 +256,7 @@ TEST_P(ChangeSignals, EachKeyHasItsSignals)
     std::vector<std::unique_ptr<QSignalSpy>> spies;
     const QMetaObject& meta = QChannel::staticMetaObject;
     std::map<std::string, QSignalSpy*> by_name;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
-    {
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
         const QMetaMethod method = meta.method(i);
         if (method.methodType() != QMetaMethod::Signal || method.name() == "destroying")
             continue;
@@ -283,19 +282,21 @@ TEST_P(ChangeSignals, EachKeyHasItsSignals)
 
 INSTANTIATE_TEST_SUITE_P(
     Keys, ChangeSignals,
-    ::testing::Values(KeySignals{"Used", {"usedChanged"}}, KeySignals{"Ferrin/Name", {"nameChanged", "displayNameChanged"}},
-                      KeySignals{"Ferrin/DomainUrl", {"domainChanged", "displayNameChanged"}},
-                      KeySignals{"Unit", {"unitChanged"}}, KeySignals{"Ferrin/PhysicalUnit", {"unitChanged"}},
-                      KeySignals{"Ferrin/Stored", {"storedChanged"}}, KeySignals{"Visibility", {"hiddenChanged"}},
-                      KeySignals{"SampleUpdateType", {"sampleOccurenceChanged", "channelTypeDescriptionChanged"}},
-                      KeySignals{"SampleDimension", {"sampleDimensionChanged", "channelTypeDescriptionChanged"}},
-                      KeySignals{"Gain", {}}));
+    ::testing::Values(
+        KeySignals{"Used", {"usedChanged"}}, KeySignals{"Ferrin/Name", {"nameChanged", "displayNameChanged"}},
+        KeySignals{"Ferrin/DomainUrl", {"domainChanged", "displayNameChanged"}},
+        KeySignals{"Unit", {"unitChanged"}}, KeySignals{"Ferrin/PhysicalUnit", {"unitChanged"}},
+        KeySignals{"Ferrin/Stored", {"storedChanged"}}, KeySignals{"Visibility", {"hiddenChanged"}},
+        KeySignals{"SampleUpdateType", {"sampleOccurenceChanged", "channelTypeDescriptionChanged"}},
+        KeySignals{"SampleDimension", {"sampleDimensionChanged", "channelTypeDescriptionChanged"}},
+        KeySignals{"Gain", {}}));
 
 TEST_F(QChannelConfig, SignalArgumentsCarryTheNewTexts)
 {
     QSignalSpy name(&qchannel, &QChannel::nameChanged);
     QSignalSpy domain(&qchannel, &QChannel::domainChanged);
     QSignalSpy color(&qchannel, &QChannel::colorChanged);
+    set("Ferrin/DomainUrl", config_items::StringConfigItem(""));
     qchannel.setConfigItem("Ferrin/Name", QString("rpm"));
     qchannel.setConfigItem("Ferrin/DomainUrl", QString("bench"));
     ASSERT_EQ(name.count(), 1);
@@ -359,8 +360,9 @@ TEST_F(QChannelConfig, ReplacementRunsInItsOrder)
 
     EXPECT_TRUE(constraints.isNull());
     EXPECT_EQ(qchannel.cachedPropertyConstraints("Unit"), nullptr);
-    EXPECT_EQ(order, (QStringList{"config Ferrin/Name", "config Ferrin/LongName", "config Used", "config Ferrin/Color",
-                                  "config Unit", "valueType", "occurrence", "ferrin"}));
+    EXPECT_EQ(order,
+              (QStringList{"config Ferrin/Name", "config Ferrin/LongName", "config Used",
+                           "config Ferrin/Color", "config Unit", "valueType", "occurrence", "ferrin"}));
     // Each of the three re-announces the type description.
     EXPECT_EQ(description.count(), 3);
     ASSERT_EQ(replaced.count(), 1);
@@ -416,11 +418,21 @@ TEST(QChannelLifetime, DestructionAnnouncesAndLetsGoOfTheChannel)
     auto* qchannel = new QChannel(channel);
     EXPECT_EQ(QChannel::count(), before + 1);
     QSignalSpy destroying(qchannel, &QChannel::destroying);
+    // The argument is read while the object still lives; a spy's copy would be
+    // cast after the object is gone.
+    const void* announced = nullptr;
+    bool channel_held = false;
+    QObject::connect(qchannel, &QChannel::destroying, [&](QChannel* dying) {
+        announced = dying;
+        channel_held = dying->ferrinChannel() != nullptr;
+    });
     const long uses = channel.use_count();
     delete qchannel;
-    ASSERT_EQ(destroying.count(), 1);
-    EXPECT_EQ(destroying.at(0).at(0).value<QChannel*>(), qchannel);
-    EXPECT_EQ(channel.use_count(), uses - 1);
+    EXPECT_EQ(destroying.count(), 1);
+    EXPECT_EQ(announced, static_cast<const void*>(qchannel));
+    EXPECT_TRUE(channel_held);
+    // The channel and its scalar view were two references.
+    EXPECT_EQ(channel.use_count(), uses - 2);
     EXPECT_EQ(QChannel::count(), before);
     channel->notifyConfigItemChanged("Unit"); // must not reach the deleted object
 }
@@ -477,8 +489,9 @@ TEST_F(QChannelConfig, OneActionAtATime)
 
     qchannel.applyChannelAction("ACTION:Zero", 13.0);
     EXPECT_EQ(progress.count(), 1);
-    EXPECT_TRUE(log.contains("QCHANNEL", 5,
-                             "Skipping ChannelAction ACTION:Zero because there is already another action in progress!"));
+    EXPECT_TRUE(log.contains(
+        "QCHANNEL", 5,
+        "Skipping ChannelAction ACTION:Zero because there is already another action in progress!"));
     EXPECT_EQ(log.count("QCHANNEL", 3, "applyChannelAction ACTION:Zero"), 2u);
 
     gate.release();

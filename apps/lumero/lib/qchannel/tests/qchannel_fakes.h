@@ -50,7 +50,8 @@ template <typename Base>
 class PreparedChannel : public Base
 {
 public:
-    PreparedChannel(ferrin::ChannelSetup setup, std::map<Tick, daq::SampleData> samples, std::uint64_t stream_id)
+    PreparedChannel(ferrin::ChannelSetup setup, std::map<Tick, daq::SampleData> samples,
+                    std::uint64_t stream_id)
         : Base(std::move(setup)), m_samples(std::move(samples)),
           m_source(std::make_shared<StreamOnlySource>(stream_id))
     {}
@@ -81,7 +82,8 @@ private:
 class ChannelFactory
 {
 public:
-    explicit ChannelFactory(double frequency = 10.0) : time_base(std::make_shared<lum::data::MemoryTimeBase>(frequency, 0.0))
+    explicit ChannelFactory(double frequency = 10.0)
+        : time_base(std::make_shared<lum::data::MemoryTimeBase>(frequency, 0.0))
     {}
 
     /// A setup with the usual items of a recorded channel.
@@ -104,7 +106,8 @@ public:
 
     std::shared_ptr<lum::data::SyncScalarChannel> sync(const std::string& name, std::vector<double> values)
     {
-        auto channel = lum::data::SyncScalarChannel::create(setup(name), std::move(values), regions, ++m_next_stream);
+        auto channel =
+            lum::data::SyncScalarChannel::create(setup(name), std::move(values), regions, ++m_next_stream);
         manager.addChannel(channel);
         return channel;
     }
@@ -112,8 +115,8 @@ public:
     std::shared_ptr<lum::data::AsyncScalarChannel> async(const std::string& name,
                                                          const std::vector<std::pair<Tick, double>>& samples)
     {
-        auto channel = lum::data::AsyncScalarChannel::create(setup(name, ferrin::OCCURRENCE_ASYNC), samples, regions,
-                                                             ++m_next_stream);
+        auto channel = lum::data::AsyncScalarChannel::create(setup(name, ferrin::OCCURRENCE_ASYNC), samples,
+                                                             regions, ++m_next_stream);
         manager.addChannel(channel);
         return channel;
     }
@@ -121,7 +124,8 @@ public:
     /// A channel of kind @p Base with @p samples; the ticks from the first to the last
     /// sample count as recorded.
     template <typename Base>
-    std::shared_ptr<PreparedChannel<Base>> prepared(const std::string& name, std::map<Tick, daq::SampleData> samples,
+    std::shared_ptr<PreparedChannel<Base>> prepared(const std::string& name,
+                                                    std::map<Tick, daq::SampleData> samples,
                                                     std::int32_t resolution = 11, std::uint32_t dimension = 1)
     {
         ferrin::ChannelSetup channel_setup = setup(name);
@@ -129,8 +133,10 @@ public:
         channel_setup.sample_dimension = dimension;
         const std::uint64_t stream = ++m_next_stream;
         if (!samples.empty())
-            regions->addRegion(stream, ferrin::REGION_KIND_SAMPLES, samples.begin()->first, samples.rbegin()->first);
-        auto channel = std::make_shared<PreparedChannel<Base>>(std::move(channel_setup), std::move(samples), stream);
+            regions->addRegion(stream, ferrin::REGION_KIND_SAMPLES, samples.begin()->first,
+                               samples.rbegin()->first);
+        auto channel =
+            std::make_shared<PreparedChannel<Base>>(std::move(channel_setup), std::move(samples), stream);
         manager.addChannel(channel);
         return channel;
     }

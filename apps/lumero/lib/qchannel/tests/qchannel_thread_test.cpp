@@ -32,7 +32,8 @@ TEST(QChannelThreads, ActionsRunWhileValuesAreRead)
     for (ferrin::Tick tick = 0; tick < 5000; tick += 7)
         samples.emplace_back(tick, static_cast<double>(tick));
     auto async = factory.async("async", samples);
-    for (const auto& channel : {std::static_pointer_cast<ferrin::Channel>(sync), std::static_pointer_cast<ferrin::Channel>(async)})
+    for (const auto& channel :
+         {std::static_pointer_cast<ferrin::Channel>(sync), std::static_pointer_cast<ferrin::Channel>(async)})
         channel->getItemStore()->set("ACTION:Recolour", config_items::SingleValueConfigItem<bool>(true));
 
     std::atomic<int> runs{0};
@@ -60,16 +61,13 @@ TEST(QChannelThreads, ActionsRunWhileValuesAreRead)
     int started = 0;
     double checksum = 0.0;
     int reads = 0;
-    while (runs.load() < 20 && std::chrono::steady_clock::now() < deadline)
-    {
+    while (runs.load() < 20 && std::chrono::steady_clock::now() < deadline) {
         for (QChannel* channel : {&sync_channel, &async_channel})
-            if (!channel->channelActionInProgress())
-            {
+            if (!channel->channelActionInProgress()) {
                 channel->applyChannelAction("ACTION:Recolour", 0.5 + (started % 10) * 0.3);
                 ++started;
             }
-        for (int i = 0; i < 50; ++i, ++reads)
-        {
+        for (int i = 0; i < 50; ++i, ++reads) {
             const double time = (reads % 5000) * 0.001;
             checksum += sync_channel.valueAtTime(time).toDouble();
             const double near = async_channel.valueNearTime(time).toDouble();

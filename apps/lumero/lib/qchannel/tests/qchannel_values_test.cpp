@@ -149,9 +149,11 @@ TEST_F(NearSearchSync, ValuesCalculationsAndRanges)
     EXPECT_TRUE(isNaNValue(qchannel.valueAtTime(-0.5)));
     EXPECT_EQ(qchannel.minValue(), 100.0);
     EXPECT_EQ(qchannel.maxValue(), 199.0);
-    EXPECT_DOUBLE_EQ(qchannel.calculateValue(0.0, 0.02, lum::qchannel::QSampleCalcType::DERIVED_AVERAGE).toDouble(),
-                     channel->calculateValue(0.0, 0.02, ferrin::CALC_AVERAGE));
-    EXPECT_EQ(qchannel.calculateValue(0.0, 0.99, lum::qchannel::QSampleCalcType::DERIVED_MAX).toDouble(), 199.0);
+    EXPECT_DOUBLE_EQ(
+        qchannel.calculateValue(0.0, 0.02, lum::qchannel::QSampleCalcType::DERIVED_AVERAGE).toDouble(),
+        channel->calculateValue(0.0, 0.02, ferrin::CALC_AVERAGE));
+    EXPECT_EQ(qchannel.calculateValue(0.0, 0.99, lum::qchannel::QSampleCalcType::DERIVED_MAX).toDouble(),
+              199.0);
     EXPECT_TRUE(isNaNValue(qchannel.calculateValue(0.0, 1.0, lum::qchannel::QSampleCalcType::NUM_ENUMS)));
     EXPECT_TRUE(isNaNValue(qchannel.indexedValueAtTime(0, 0.5)));
     EXPECT_TRUE(isNaNValue(qchannel.sliceAtTime(0, 3, 0.5)));
@@ -227,7 +229,8 @@ TEST_F(VectorChannels, ComplexElementsAreNewObjects)
 
 TEST_F(VectorChannels, OtherKindsHaveNoIndexedValuesOrRange)
 {
-    auto channel = factory.prepared<ferrin::CANMessageChannel>("can", {{0, daq::CanFrame{{1, 2}, 0x123, 0}}}, 12);
+    auto channel =
+        factory.prepared<ferrin::CANMessageChannel>("can", {{0, daq::CanFrame{{1, 2}, 0x123, 0}}}, 12);
     QChannel qchannel(channel);
     EXPECT_TRUE(isNaNValue(qchannel.indexedValueAtTime(0, 0.0)));
     EXPECT_TRUE(std::isnan(qchannel.minValue()));
@@ -245,9 +248,11 @@ TEST(SampleToVariant, ScalarVectorTextAndBytes)
     EXPECT_EQ(QChannel::sampleToVariant(daq::makeSample(1, 2.5).get()), QVariant(2.5));
     EXPECT_EQ(QChannel::sampleToVariant(daq::makeSample(1, std::vector<double>{1, 2}).get()).toList(),
               (QVariantList{1.0, 2.0}));
-    EXPECT_EQ(QChannel::sampleToVariant(daq::makeSample(1, daq::VideoFrame{{0x41, 0x00, 0x42}}).get()).toByteArray(),
+    EXPECT_EQ(QChannel::sampleToVariant(daq::makeSample(1, daq::VideoFrame{{0x41, 0x00, 0x42}}).get())
+                  .toByteArray(),
               QByteArray("A\0B", 3));
-    const QVariant text = QChannel::sampleToVariant(daq::makeSample(1, std::string("Gr\xc3\xbc\xc3\x9f")).get());
+    const QVariant text =
+        QChannel::sampleToVariant(daq::makeSample(1, std::string("Gr\xc3\xbc\xc3\x9f")).get());
     EXPECT_EQ(text.type(), QVariant::String);
     EXPECT_EQ(text.toString(), QString::fromUtf8("Grüß"));
 }
@@ -255,10 +260,10 @@ TEST(SampleToVariant, ScalarVectorTextAndBytes)
 TEST(SampleToVariant, ComplexElementsAreOwnedByTheCaller)
 {
     const QVariantList list =
-        QChannel::sampleToVariant(daq::makeSample(1, std::vector<std::complex<double>>{{1, 0}, {0, 1}}).get()).toList();
+        QChannel::sampleToVariant(daq::makeSample(1, std::vector<std::complex<double>>{{1, 0}, {0, 1}}).get())
+            .toList();
     ASSERT_EQ(list.size(), 2);
-    for (const QVariant& element : list)
-    {
+    for (const QVariant& element : list) {
         std::unique_ptr<lum::qchannel::QComplexSample> owned(element.value<lum::qchannel::QComplexSample*>());
         ASSERT_NE(owned, nullptr);
         EXPECT_EQ(owned->parent(), nullptr);
@@ -290,7 +295,8 @@ TEST(SampleToVariant, BusFramesBecomeMessageObjects)
     EXPECT_EQ(flexray->ticks(), 5u);
 
     std::unique_ptr<lum::message::QBusMessage> bus(
-        QChannel::sampleToVariant(daq::makeSample(9, daq::ByteVector{}).get()).value<lum::message::QBusMessage*>());
+        QChannel::sampleToVariant(daq::makeSample(9, daq::ByteVector{}).get())
+            .value<lum::message::QBusMessage*>());
     ASSERT_NE(bus, nullptr);
     EXPECT_EQ(bus->dataSize(), 0);
     EXPECT_EQ(bus->getDataByte(0), -1);

@@ -76,11 +76,13 @@ class QChannel : public QObject, public uni::Countable<QChannel>
     Q_PROPERTY(QString shortDisplayName READ shortDisplayName NOTIFY displayNameChanged)
     Q_PROPERTY(QString unit READ unit NOTIFY unitChanged)
     Q_PROPERTY(SampleValueType sampleValueType READ sampleValueType NOTIFY sampleValueTypeChanged)
-    Q_PROPERTY(QString channelTypeDescription READ channelTypeDescription NOTIFY channelTypeDescriptionChanged)
+    Q_PROPERTY(
+        QString channelTypeDescription READ channelTypeDescription NOTIFY channelTypeDescriptionChanged)
     Q_PROPERTY(double minValue READ minValue NOTIFY minValChanged)
     Q_PROPERTY(double maxValue READ maxValue NOTIFY maxValChanged)
     Q_PROPERTY(int dimension READ dimension NOTIFY sampleDimensionChanged)
-    Q_PROPERTY(bool channelActionInProgress READ channelActionInProgress NOTIFY channelActionInProgressChanged)
+    Q_PROPERTY(
+        bool channelActionInProgress READ channelActionInProgress NOTIFY channelActionInProgressChanged)
     Q_PROPERTY(QSampleOccurenceType sampleOccurence READ sampleOccurence NOTIFY sampleOccurenceChanged)
     Q_PROPERTY(bool nameUnique READ isNameUnique NOTIFY nameUniqueChanged)
     Q_PROPERTY(bool namePotentiallyUnique READ isNamePotentiallyUnique NOTIFY namePotentiallyUniqueChanged)
@@ -192,7 +194,10 @@ public:
 
     // --- the wrapped channel ---
     const std::shared_ptr<ferrin::Channel>& ferrinChannel() const { return m_ferrin_channel; }
-    const std::shared_ptr<ferrin::ScalarChannel>& ferrinScalarChannel() const { return m_ferrin_scalar_channel; }
+    const std::shared_ptr<ferrin::ScalarChannel>& ferrinScalarChannel() const
+    {
+        return m_ferrin_scalar_channel;
+    }
     /// Takes a replacement of the channel under the same id, and refreshes every view.
     void updateFerrinChannel(std::shared_ptr<ferrin::Channel> new_channel);
 
