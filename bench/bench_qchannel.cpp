@@ -72,47 +72,42 @@ Fixture& fixture()
     return instance;
 }
 
+/// Runs @p read over the prepared query times, one per iteration.
+template <typename Read>
+void runQueries(benchmark::State& state, const std::vector<double>& queries, Read read)
+{
+    std::size_t i = 0;
+    for (auto _ : state) {
+        auto value = read(queries[i++ & (QUERIES - 1)]);
+        benchmark::DoNotOptimize(value);
+    }
+}
+
 void BM_QChannelValueAtTimeSync(benchmark::State& state)
 {
     Fixture& f = fixture();
-    std::size_t i = 0;
-    for (auto _ : state) {
-        QVariant value = f.sync_q->valueAtTime(f.sync_queries[i++ & (QUERIES - 1)]);
-        benchmark::DoNotOptimize(value);
-    }
+    runQueries(state, f.sync_queries, [&f](double time) { return f.sync_q->valueAtTime(time); });
 }
 BENCHMARK(BM_QChannelValueAtTimeSync);
 
 void BM_ScalarGetValueAtTimeSync(benchmark::State& state)
 {
     Fixture& f = fixture();
-    std::size_t i = 0;
-    for (auto _ : state) {
-        double value = f.sync->getValueAtTime(f.sync_queries[i++ & (QUERIES - 1)], nullptr);
-        benchmark::DoNotOptimize(value);
-    }
+    runQueries(state, f.sync_queries, [&f](double time) { return f.sync->getValueAtTime(time, nullptr); });
 }
 BENCHMARK(BM_ScalarGetValueAtTimeSync);
 
 void BM_QChannelValueAtTimeAsync(benchmark::State& state)
 {
     Fixture& f = fixture();
-    std::size_t i = 0;
-    for (auto _ : state) {
-        QVariant value = f.async_q->valueAtTime(f.async_queries[i++ & (QUERIES - 1)]);
-        benchmark::DoNotOptimize(value);
-    }
+    runQueries(state, f.async_queries, [&f](double time) { return f.async_q->valueAtTime(time); });
 }
 BENCHMARK(BM_QChannelValueAtTimeAsync);
 
 void BM_ScalarGetValueAtTimeAsync(benchmark::State& state)
 {
     Fixture& f = fixture();
-    std::size_t i = 0;
-    for (auto _ : state) {
-        double value = f.async->getValueAtTime(f.async_queries[i++ & (QUERIES - 1)], nullptr);
-        benchmark::DoNotOptimize(value);
-    }
+    runQueries(state, f.async_queries, [&f](double time) { return f.async->getValueAtTime(time, nullptr); });
 }
 BENCHMARK(BM_ScalarGetValueAtTimeAsync);
 
@@ -120,11 +115,7 @@ BENCHMARK(BM_ScalarGetValueAtTimeAsync);
 void BM_QChannelValueNearTimeAsync(benchmark::State& state)
 {
     Fixture& f = fixture();
-    std::size_t i = 0;
-    for (auto _ : state) {
-        QVariant value = f.async_q->valueNearTime(f.async_queries[i++ & (QUERIES - 1)]);
-        benchmark::DoNotOptimize(value);
-    }
+    runQueries(state, f.async_queries, [&f](double time) { return f.async_q->valueNearTime(time); });
 }
 BENCHMARK(BM_QChannelValueNearTimeAsync);
 

@@ -18,12 +18,13 @@
 
 #include <QFutureInterface>
 #include <QReadLocker>
+#include <QRunnable>
 #include <QThreadPool>
 #include <QWriteLocker>
-#include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
 #include <any>
+#include <atomic>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -54,6 +55,39 @@ bool hasPrefix(const std::string& key, const char* prefix)
 {
     return key.rfind(prefix, 0) == 0;
 }
+
+/// One channel action on the thread pool. It holds its own reference to the channel, so
+/// that a replacement of the channel meanwhile does not pull it away under the action.
+/// The hand-over to the pool thread is published through an atomic as well: the
+/// pool's own locking is invisible to the race checker.
+class ActionTask : public QRunnable
+{
+public:
+    ActionTask(std::shared_ptr<ferrin::Channel> channel, std::string key, double time)
+        : m_channel(std::move(channel)), m_key(std::move(key)), m_time(time)
+    {
+        setAutoDelete(true);
+        m_interface.reportStarted();
+        m_published.store(true, std::memory_order_release);
+    }
+
+    QFuture<void> future() { return m_interface.future(); }
+
+    void run() override
+    {
+        while (!m_published.load(std::memory_order_acquire)) {
+        }
+        m_channel->applyChannelAction(m_key, m_time);
+        m_interface.reportFinished();
+    }
+
+private:
+    std::shared_ptr<ferrin::Channel> m_channel;
+    std::string m_key;
+    double m_time;
+    QFutureInterface<void> m_interface;
+    std::atomic<bool> m_published{false};
+};
 
 } // namespace
 
@@ -295,26 +329,30 @@ double QChannel::maxValue() const
     return NaN;
 }
 
-double QChannel::getFirstRegionStart() const
+namespace {
+
+/// The time of the first or the last recorded tick of @p channel; 0.0 without regions.
+double regionBoundary(const ferrin::Channel* channel, bool first)
 {
-    if (!m_ferrin_channel || !m_ferrin_channel->getTimeBase())
+    if (!channel || !channel->getTimeBase())
         return 0.0;
-    const ferrin::DataRegions regions = m_ferrin_channel->getDataRegions(
-        0, ferrin::NO_TICK - 1, ferrin::REGION_KIND_SAMPLES, 0, false, false);
+    const ferrin::DataRegions regions =
+        channel->getDataRegions(0, ferrin::NO_TICK - 1, ferrin::REGION_KIND_SAMPLES, 0, false, false);
     if (regions.empty())
         return 0.0;
-    return ferrin::tickToTime(regions.front().first, *m_ferrin_channel->getTimeBase());
+    return ferrin::tickToTime(first ? regions.front().first : regions.back().second, *channel->getTimeBase());
+}
+
+} // namespace
+
+double QChannel::getFirstRegionStart() const
+{
+    return regionBoundary(m_ferrin_channel.get(), true);
 }
 
 double QChannel::getLastRegionEnd() const
 {
-    if (!m_ferrin_channel || !m_ferrin_channel->getTimeBase())
-        return 0.0;
-    const ferrin::DataRegions regions = m_ferrin_channel->getDataRegions(
-        0, ferrin::NO_TICK - 1, ferrin::REGION_KIND_SAMPLES, 0, false, false);
-    if (regions.empty())
-        return 0.0;
-    return ferrin::tickToTime(regions.back().second, *m_ferrin_channel->getTimeBase());
+    return regionBoundary(m_ferrin_channel.get(), false);
 }
 
 QVariant QChannel::sampleToVariant(const daq::Sample* sample)
@@ -763,11 +801,9 @@ void QChannel::applyChannelAction(const QString& key, double time)
     }
     QThreadPool* pool = QThreadPool::globalInstance();
     if (pool) {
-        // The task holds its own reference, so a replacement of the channel meanwhile
-        // does not pull it away under the running action.
-        std::shared_ptr<ferrin::Channel> channel = m_ferrin_channel;
-        m_action_future = QtConcurrent::run(
-            pool, [channel, action = key.toStdString(), time] { channel->applyChannelAction(action, time); });
+        auto* task = new ActionTask(m_ferrin_channel, key.toStdString(), time);
+        m_action_future = task->future();
+        pool->start(task);
     } else {
         QFutureInterface<void> refused;
         refused.reportStarted();
