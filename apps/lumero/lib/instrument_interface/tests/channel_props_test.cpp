@@ -16,14 +16,17 @@
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QMetaObject>
 #include <QSignalSpy>
 #include <QStringList>
+#include <QThread>
 
 #include <cctype>
 #include <memory>
 #include <ostream>
 #include <string>
+#include <thread>
 #include <vector>
 
 using channel_config::ChannelID;
@@ -75,7 +78,7 @@ class ThresholdProps : public ChannelProps
     Q_PROPERTY(double threshold MEMBER m_threshold NOTIFY thresholdChanged)
 
 public:
-    ThresholdProps(QChannel* channel, QObject* parent = nullptr) : ChannelProps(channel, parent)
+    explicit ThresholdProps(QChannel* channel, QObject* parent = nullptr) : ChannelProps(channel, parent)
     {
         forwarder()->addProperty("threshold", true);
     }
@@ -139,15 +142,6 @@ TEST_F(ChannelPropsTest, TheChannelsRangeAndUnitAreAnswered)
     EXPECT_EQ(props.maxValue(), 5.0);
     EXPECT_EQ(props.unit(), "V");
     EXPECT_EQ(props.property("channel").value<QChannel*>(), &qspeed);
-}
-
-TEST_F(ChannelPropsTest, TheChannelListIsStored)
-{
-    ChannelPropertiesListModel list;
-    ChannelProps unified(nullptr);
-    EXPECT_EQ(unified.channelList(), nullptr);
-    unified.setChannelList(&list);
-    EXPECT_EQ(unified.channelList(), &list);
 }
 
 TEST_F(ChannelPropsTest, InstancesAreCounted)
@@ -231,6 +225,24 @@ INSTANTIATE_TEST_SUITE_P(Keys, AnyItemChange,
                                  name += std::isalnum(static_cast<unsigned char>(*c)) ? *c : '_';
                              return name;
                          });
+
+TEST_F(ChannelPropsTest, AChangeMadeOnAnotherThreadArrivesInTheObjectsThread)
+{
+    ThresholdProps props(&qspeed);
+    std::vector<QThread*> threads;
+    QObject::connect(&props, &ChannelProps::channelChanged,
+                     [&threads] { threads.push_back(QThread::currentThread()); });
+
+    std::thread writer([this] { speed->notifyConfigItemChanged("Unit"); });
+    writer.join();
+    EXPECT_TRUE(threads.empty());
+    EXPECT_TRUE(props.seen_keys.isEmpty());
+
+    QCoreApplication::processEvents();
+    ASSERT_EQ(threads.size(), 1u);
+    EXPECT_EQ(threads[0], QThread::currentThread());
+    EXPECT_EQ(props.seen_keys, QStringList{"Unit"});
+}
 
 TEST_F(ChannelPropsTest, ADestroyedChannelIsToldAndForgotten)
 {

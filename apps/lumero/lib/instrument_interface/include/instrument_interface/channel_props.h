@@ -30,12 +30,17 @@ class ChannelProps : public QObject, public uni::Countable<ChannelProps>
     Q_PROPERTY(QString unit READ unit NOTIFY unitChanged)
 
 public:
-    ChannelProps(lum::qchannel::QChannel* channel, QObject* parent = nullptr);
+    explicit ChannelProps(lum::qchannel::QChannel* channel, QObject* parent = nullptr);
     ~ChannelProps() override;
 
     lum::qchannel::QChannel* channel() const { return m_channel; }
     ChannelPropertiesListModel* channelList() const { return m_channel_list; }
 
+public Q_SLOTS:
+    /// Any change of an item of the channel; tells channelChanged whatever the key.
+    virtual void channelConfigChanged(channel_config::ChannelID id, QString key);
+
+public:
     /// Gives the unified properties to a channel's properties; nothing to take here.
     virtual void setUnifiedProperties(ChannelProps* unified_properties);
     /// The list the unified properties belong to; stored.
@@ -47,10 +52,6 @@ public:
     virtual double maxValue() const;
     /// The channel's unit; empty without a channel.
     virtual QString unit() const;
-
-public Q_SLOTS:
-    /// Any change of an item of the channel; tells channelChanged whatever the key.
-    virtual void channelConfigChanged(channel_config::ChannelID id, QString key);
 
 Q_SIGNALS:
     void channelDestroyed(lum::qchannel::QChannel* channel);
