@@ -70,7 +70,8 @@ void PropertyChangeForwarder::addProperty(const char* name, bool propagate)
 
 void PropertyChangeForwarder::addSource(QObject* source, const char* path)
 {
-    if (!UNI_ASSERT(source != nullptr))
+    // The owner as its own source would call itself without end.
+    if (!UNI_ASSERT(source != nullptr) || !UNI_ASSERT(source != parent()))
         return;
     const bool known = m_sources.contains(source);
     m_sources.insert(source, QString::fromUtf8(path != nullptr ? path : ""));

@@ -427,12 +427,21 @@ TEST(PropertyChangeForwarderReports, ASourceWithoutTheTargetSignal)
                       "exist."));
 }
 
-TEST(PropertyChangeForwarderReports, ANullSourceIsRefused)
+TEST(PropertyChangeForwarderReports, ANullSourceOrTheOwnerItselfIsRefused)
 {
     Settings owner;
+    owner.forwarder->addProperty("count", true);
+    QSignalSpy spy(&owner, &Settings::settingChanged);
+    ASSERT_TRUE(spy.isValid());
     AssertCapture capture;
+
     owner.forwarder->addSource(nullptr, "none");
+    owner.forwarder->addSource(&owner, "self");
     EXPECT_TRUE(capture.fired("source != nullptr"));
+    EXPECT_TRUE(capture.fired("source != parent()"));
+
+    owner.setProperty("count", 1); // would recurse without end had the owner been taken
+    EXPECT_EQ(spy.count(), 1);
 }
 
 TEST(PropertyChangeForwarderReports, AFailedCallOfThePropertysTargetSignal)
