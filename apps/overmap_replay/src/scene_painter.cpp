@@ -311,6 +311,8 @@ void ScenePainter::paint(QPainter& painter, const QSize& size) const
     paintCalculations(painter, view, tracks);
     paintPositionObjects(painter, view);
     paintDecorations(painter, view, size);
+    if (m_legend_visible)
+        paintLegend(painter, size, tracks);
     painter.restore();
 }
 
@@ -405,7 +407,7 @@ void ScenePainter::paintPaths(QPainter& painter, const QTransform& view) const
         }
         QColor color = object ? objectColor(*object, i) : TEXT_COLOR;
         color.setAlpha(170);
-        painter.setPen(QPen(color, 2.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.setPen(QPen(color, 2.8, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.drawPolyline(line);
     }
     painter.restore();
@@ -539,7 +541,16 @@ void ScenePainter::paintCalculations(QPainter& painter, const QTransform& view,
             text = QStringLiteral("x ") + text;
         else if (type == overmap::DistanceType::Y)
             text = QStringLiteral("y ") + text;
-        drawLabel(painter, (a + b) / 2 + QPointF(5.0, -5.0), text, CALCULATION_COLOR);
+        // A short line has no room for its value beside the objects' names; the legend has it.
+        if (length(b - a) >= 6.0 * painter.font().pixelSize()) {
+            // Left of a steep line and above a flat one: names of objects stand to their right.
+            const double text_width = QFontMetricsF(painter.font()).horizontalAdvance(text);
+            const QPointF middle = (a + b) / 2;
+            const bool steep = std::fabs(b.y() - a.y()) > std::fabs(b.x() - a.x());
+            drawLabel(painter,
+                      middle + (steep ? QPointF(-6.0 - text_width, 4.0) : QPointF(-text_width / 2, -6.0)),
+                      text, CALCULATION_COLOR);
+        }
     }
     painter.restore();
 }
@@ -722,6 +733,88 @@ void ScenePainter::paintDecorations(QPainter& painter, const QTransform& view, c
     painter.drawText(QPointF(n_center.x() - n_metrics.horizontalAdvance(QStringLiteral("N")) / 2,
                              n_center.y() + n_metrics.ascent() / 2 - 1.0),
                      QStringLiteral("N"));
+    painter.restore();
+}
+
+void ScenePainter::paintLegend(QPainter& painter, const QSize& size,
+                               const std::vector<TrackShape>& tracks) const
+{
+    struct Entry
+    {
+        QString text;
+        QString value;
+        QColor color;
+        bool car;
+    };
+    std::vector<Entry> entries;
+    std::size_t car_index = 0;
+    for (const auto& object : m_manager.getObjects()) {
+        const auto* car = dynamic_cast<const overmap::Car*>(object.get());
+        if (car != nullptr && visible(*car))
+            entries.push_back(
+                {QString::fromStdString(car->getName()), QString(), objectColor(*car, car_index++), true});
+        else if (car != nullptr)
+            ++car_index;
+    }
+    for (const auto& calculation : m_manager.getCalculations()) {
+        MeasuredCalculation measured;
+        if (!measure(*calculation, tracks, measured))
+            continue;
+        QString value = QString::number(measured.value, 'f', 1) + QStringLiteral(" m");
+        if (calculation->getDistanceType() == overmap::DistanceType::X)
+            value = QStringLiteral("x ") + value;
+        else if (calculation->getDistanceType() == overmap::DistanceType::Y)
+            value = QStringLiteral("y ") + value;
+        entries.push_back({QString::fromStdString(calculation->getName()), value, CALCULATION_COLOR, false});
+    }
+    if (entries.empty())
+        return;
+
+    painter.save();
+    QFont font = painter.font();
+    font.setPixelSize(std::max(8, static_cast<int>(std::lround(font.pixelSize() * 0.92))));
+    painter.setFont(font);
+    const QFontMetricsF metrics(font);
+    const double unit = font.pixelSize();
+    const double pad = unit * 0.8;
+    const double key = unit * 2.0; // the swatch or dash sample
+    double text_width = 0.0;
+    double value_width = 0.0;
+    for (const Entry& entry : entries) {
+        text_width = std::max(text_width, metrics.horizontalAdvance(entry.text));
+        value_width = std::max(value_width, metrics.horizontalAdvance(entry.value));
+    }
+    const double line = metrics.height() * 1.25;
+    const double width =
+        pad + key + pad + text_width + (value_width > 0.0 ? pad * 2 + value_width : 0.0) + pad;
+    const double height = pad * 2 + line * static_cast<double>(entries.size());
+    // Under the north arrow, against the right edge.
+    const QRectF box(size.width() - unit - width, unit * 6.0, width, height);
+    painter.setPen(QPen(QColor(200, 200, 195), 1.0));
+    painter.setBrush(QColor(255, 255, 255, 230));
+    painter.drawRoundedRect(box, 4.0, 4.0);
+    double y = box.top() + pad;
+    for (const Entry& entry : entries) {
+        const double middle = y + line / 2;
+        const QPointF key_left(box.left() + pad, middle);
+        if (entry.car) {
+            painter.setPen(QPen(entry.color.darker(170), 1.0));
+            painter.setBrush(entry.color);
+            painter.drawRoundedRect(QRectF(key_left.x(), middle - unit * 0.35, key, unit * 0.7), 2.0, 2.0);
+        } else {
+            painter.setPen(QPen(entry.color, 1.6, Qt::DashLine, Qt::FlatCap));
+            painter.drawLine(key_left, key_left + QPointF(key, 0.0));
+        }
+        const double base = middle + metrics.ascent() / 2 - metrics.descent() / 2;
+        painter.setPen(entry.car ? entry.color.darker(150) : TEXT_COLOR);
+        painter.drawText(QPointF(key_left.x() + key + pad, base), entry.text);
+        if (!entry.value.isEmpty()) {
+            painter.setPen(entry.color);
+            painter.drawText(QPointF(box.right() - pad - metrics.horizontalAdvance(entry.value), base),
+                             entry.value);
+        }
+        y += line;
+    }
     painter.restore();
 }
 

@@ -3,6 +3,8 @@
 #include <overmap_replay/replay_options.h>
 #include <overmap_replay/replay_scene.h>
 
+#include <uni_base/uni_log.h>
+
 #include <QGuiApplication>
 #include <QImage>
 
@@ -13,7 +15,7 @@ namespace overmap_replay {
 namespace {
 
 /// A car shorter than this many pixels of the picture's shorter side is enlarged.
-constexpr double MINIMUM_CAR_SHARE = 0.035;
+constexpr double MINIMUM_CAR_SHARE = 0.045;
 
 } // namespace
 
@@ -53,8 +55,14 @@ bool writeScenePicture(const overmap::ObjectManager& manager, const PictureReque
         static int argc = 1;
         static char name[] = "overmap-replay";
         static char* argv[] = {name, nullptr};
+        // The platform's start-up notes (no runtime folder, ...) are no concern of the user's.
+        const QtMessageHandler previous =
+            qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) {
+                uni::log("overmap_replay", SEV_DEBUG, message.toStdString());
+            });
         static QGuiApplication* const application = new QGuiApplication(argc, argv);
         Q_UNUSED(application);
+        qInstallMessageHandler(previous);
     } else if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()) == nullptr) {
         error = request.path + ": the picture needs a GUI application, and this process runs without one";
         return false;

@@ -23,6 +23,10 @@ extern "C" const char* __lsan_default_suppressions()
 {
     return "leak:libfontconfig.so\n";
 }
+extern "C" const char* __lsan_default_options()
+{
+    return "print_suppressions=0";
+}
 #endif
 
 namespace {
@@ -94,6 +98,7 @@ protected:
     QImage render(ScenePainter& painter) const
     {
         painter.setGridVisible(false);
+        painter.setLegendVisible(false);
         return painter.render(SIZE);
     }
 

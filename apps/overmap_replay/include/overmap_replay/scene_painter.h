@@ -78,6 +78,8 @@ public:
     void setMinimumCarLength(double pixels) { m_minimum_car_length = pixels; }
     /// The metric grid under the scene; on at first.
     void setGridVisible(bool visible) { m_grid_visible = visible; }
+    /// The key of cars and distances in the top right corner; on at first.
+    void setLegendVisible(bool visible) { m_legend_visible = visible; }
 
     /// A point of the reference plane, in the plane's own axis convention, in the picture frame.
     static QPointF toPicture(const math_geo::Point2D& plane_point);
@@ -121,6 +123,7 @@ private:
                            const std::vector<TrackShape>& tracks) const;
     void paintPositionObjects(QPainter& painter, const QTransform& view) const;
     void paintDecorations(QPainter& painter, const QTransform& view, const QSize& size) const;
+    void paintLegend(QPainter& painter, const QSize& size, const std::vector<TrackShape>& tracks) const;
     /// The factor by which @p car is enlarged on a view of @p metres_to_pixels.
     double carEnlargement(const overmap::PositionObject& car, double metres_to_pixels) const;
     QColor objectColor(const overmap::GeoObject& object, std::size_t index) const;
@@ -131,6 +134,7 @@ private:
     std::set<std::int32_t> m_hidden;
     double m_minimum_car_length = 0.0;
     bool m_grid_visible = true;
+    bool m_legend_visible = true;
 };
 
 } // namespace overmap_replay
