@@ -8,19 +8,6 @@
 #include <string>
 #include <vector>
 
-#if defined(__SANITIZE_ADDRESS__)
-// Fontconfig keeps a cache for the life of the process, which the leak checker would
-// report after a picture has been drawn.
-extern "C" const char* __lsan_default_suppressions()
-{
-    return "leak:libfontconfig.so\n";
-}
-extern "C" const char* __lsan_default_options()
-{
-    return "print_suppressions=0";
-}
-#endif
-
 int main(int argc, char** argv)
 {
     // The model's complaints go to standard error, one line each, away from the CSV.

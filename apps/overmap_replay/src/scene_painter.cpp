@@ -649,10 +649,11 @@ void ScenePainter::paintDecorations(QPainter& painter, const QTransform& view, c
     const double unit = painter.font().pixelSize();
     const double pad = unit;
     painter.save();
-    const QFontMetricsF metrics(painter.font());
+    const QFont plain = painter.font();
+    const QFontMetricsF metrics(plain);
 
     // Time and scene in the top left corner.
-    QFont bold = painter.font();
+    QFont bold = plain;
     bold.setBold(true);
     bold.setPixelSize(static_cast<int>(std::lround(unit * 1.25)));
     const QString time_text = QStringLiteral("t = %1 s").arg(m_time, 0, 'f', 2);
@@ -668,10 +669,6 @@ void ScenePainter::paintDecorations(QPainter& painter, const QTransform& view, c
     painter.setFont(bold);
     painter.drawText(QPointF(2 * pad, pad + pad / 2 + bold_metrics.ascent()), time_text);
     if (!description.isEmpty()) {
-        painter.setFont(QFont(bold.family()));
-        QFont plain = bold;
-        plain.setBold(false);
-        plain.setPixelSize(static_cast<int>(unit));
         painter.setFont(plain);
         painter.setPen(TEXT_COLOR.lighter(150));
         painter.drawText(QPointF(2 * pad, pad + pad / 2 + bold_metrics.height() + metrics.ascent()),
@@ -683,10 +680,6 @@ void ScenePainter::paintDecorations(QPainter& painter, const QTransform& view, c
     const double bar_metres = niceStep(size.width() / 6.0 / scale);
     const double bar = bar_metres * scale;
     const QPointF left(2 * pad, size.height() - 2 * pad);
-    painter.setFont(QFont(painter.font().family()));
-    QFont plain = bold;
-    plain.setBold(false);
-    plain.setPixelSize(static_cast<int>(unit));
     painter.setFont(plain);
     painter.setPen(Qt::NoPen);
     painter.setBrush(QColor(255, 255, 255, 200));

@@ -17,18 +17,6 @@
 #include <cmath>
 #include <memory>
 
-#if defined(__SANITIZE_ADDRESS__)
-// Fontconfig keeps a cache for the life of the process, as it does in the tool.
-extern "C" const char* __lsan_default_suppressions()
-{
-    return "leak:libfontconfig.so\n";
-}
-extern "C" const char* __lsan_default_options()
-{
-    return "print_suppressions=0";
-}
-#endif
-
 namespace {
 
 using math_geo::GeoPosition;
