@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 namespace overmap_replay {
 
@@ -33,9 +34,11 @@ constexpr double RAD_TO_DEG = 57.29577951308232;
 constexpr double MINIMUM_EXTENT = 20.0; // metres, for scenes of one point
 constexpr int MAXIMUM_SIDE = 16384;     // pixels; beyond that QImage allocations become absurd
 
-/// Colours for cars that bring none of their own.
-const QColor FALLBACK_COLORS[] = {QColor(214, 39, 40), QColor(31, 119, 180), QColor(44, 160, 44),
-                                  QColor(148, 103, 189), QColor(140, 86, 75)};
+/// Colours for cars that bring none of their own, or one that an earlier car has.
+const QColor PALETTE[] = {QColor(214, 39, 40),   QColor(31, 119, 180), QColor(44, 160, 44),
+                          QColor(148, 103, 189), QColor(140, 86, 75),  QColor(227, 119, 194),
+                          QColor(23, 190, 207),  QColor(188, 189, 34)};
+constexpr std::size_t PALETTE_SIZE = sizeof PALETTE / sizeof PALETTE[0];
 const QColor CALCULATION_COLOR(106, 61, 154);
 const QColor TEXT_COLOR(40, 40, 40);
 const QColor GRID_COLOR(226, 226, 220);
@@ -165,6 +168,18 @@ QPointF ScenePainter::localToPicture(const overmap::PositionObject& object, cons
     return geoToPicture(object.toGeo(local));
 }
 
+std::vector<Point2D> ScenePainter::localContour(const overmap::Car& car)
+{
+    // A car switched to another frame keeps its contour's label; the points are the same.
+    std::vector<Point2D> points = car.getContour();
+    const CoordinateSystem local = car.localCoordinateSystem();
+    for (Point2D& point : points) {
+        if (point.getCoordinateSystem() != local)
+            point.toCoordSystem(local);
+    }
+    return points;
+}
+
 std::vector<ScenePainter::TrackShape> ScenePainter::trackShapes() const
 {
     std::vector<TrackShape> shapes;
@@ -244,7 +259,7 @@ QRectF ScenePainter::sceneBounds() const
             continue;
         extend(geoToPicture(position_object->getGeoPosition()));
         if (const auto* car = dynamic_cast<const overmap::Car*>(position_object)) {
-            for (const Point2D& point : car->getContour())
+            for (const Point2D& point : localContour(*car))
                 extend(localToPicture(*car, point));
         }
     }
@@ -381,20 +396,45 @@ void ScenePainter::paintTracks(QPainter& painter, const QTransform& view,
     painter.restore();
 }
 
-QColor ScenePainter::objectColor(const overmap::GeoObject& object, std::size_t index) const
+QColor ScenePainter::paletteColor(std::size_t index)
+{
+    return PALETTE[index % PALETTE_SIZE];
+}
+
+QColor ScenePainter::objectColor(const overmap::GeoObject& object) const
 {
     const QColor color(QString::fromStdString(object.getColor()));
-    if (color.isValid())
-        return color;
-    return FALLBACK_COLORS[index % (sizeof FALLBACK_COLORS / sizeof FALLBACK_COLORS[0])];
+    return color.isValid() ? color : TEXT_COLOR;
+}
+
+std::map<std::int32_t, QColor> ScenePainter::carColors() const
+{
+    std::map<std::int32_t, QColor> colors;
+    std::set<QRgb> taken;
+    std::size_t next = 0;
+    for (const auto& object : m_manager.getObjects()) {
+        if (dynamic_cast<const overmap::Car*>(object.get()) == nullptr)
+            continue;
+        QColor color(QString::fromStdString(object->getColor()));
+        if (!color.isValid() || taken.count(color.rgb()) != 0) {
+            // The first palette colour no car has; when all are taken, round again.
+            for (std::size_t tried = 0; tried < PALETTE_SIZE && taken.count(paletteColor(next).rgb()) != 0;
+                 ++tried)
+                ++next;
+            color = paletteColor(next++);
+        }
+        taken.insert(color.rgb());
+        colors.emplace(object->getId(), color);
+    }
+    return colors;
 }
 
 void ScenePainter::paintPaths(QPainter& painter, const QTransform& view) const
 {
+    const std::map<std::int32_t, QColor> car_colors = carColors();
     painter.save();
     painter.setBrush(Qt::NoBrush);
-    for (std::size_t i = 0; i < m_paths.size(); ++i) {
-        const DrivenPath& path = m_paths[i];
+    for (const DrivenPath& path : m_paths) {
         const auto object = m_manager.findObjectById(path.object_id);
         if (m_hidden.count(path.object_id) != 0)
             continue;
@@ -405,7 +445,10 @@ void ScenePainter::paintPaths(QPainter& painter, const QTransform& view) const
             if (path.positions[k].valid())
                 line << view.map(geoToPicture(path.positions[k]));
         }
-        QColor color = object ? objectColor(*object, i) : TEXT_COLOR;
+        const auto car_color = car_colors.find(path.object_id);
+        QColor color = car_color != car_colors.end() ? car_color->second
+                       : object                      ? objectColor(*object)
+                                                     : TEXT_COLOR;
         color.setAlpha(170);
         painter.setPen(QPen(color, 2.8, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.drawPolyline(line);
@@ -559,8 +602,8 @@ void ScenePainter::paintPositionObjects(QPainter& painter, const QTransform& vie
 {
     const double unit = painter.font().pixelSize(); // marker sizes follow the text
     const double scale = view.m11();
+    const std::map<std::int32_t, QColor> car_colors = carColors();
     painter.save();
-    std::size_t car_index = 0;
     // Cones and locators under the cars, whose labels go on top of all.
     struct Label
     {
@@ -586,7 +629,7 @@ void ScenePainter::paintPositionObjects(QPainter& painter, const QTransform& vie
             painter.drawPolygon(triangle);
             labels.push_back({at + QPointF(0.6 * h + 3.0, 0.35 * h), name, TEXT_COLOR.lighter(160), 0.8});
         } else if (dynamic_cast<const overmap::Locator*>(position_object) != nullptr) {
-            const QColor color = objectColor(*position_object, 0);
+            const QColor color = objectColor(*position_object);
             const double r = unit * 0.45;
             painter.setPen(QPen(color.darker(160), 1.4));
             painter.setBrush(Qt::NoBrush);
@@ -602,7 +645,7 @@ void ScenePainter::paintPositionObjects(QPainter& painter, const QTransform& vie
         const auto* car = dynamic_cast<const overmap::Car*>(object.get());
         if (car == nullptr || !visible(*car))
             continue;
-        const QColor color = objectColor(*car, car_index++);
+        const QColor color = car_colors.at(car->getId());
         const CoordinateSystem system = car->localCoordinateSystem();
         const QPointF reference = localToPicture(*car, Point2D(0.0, 0.0, system));
         const double k = carEnlargement(*car, scale);
@@ -610,7 +653,7 @@ void ScenePainter::paintPositionObjects(QPainter& painter, const QTransform& vie
             return view.map(reference + (localToPicture(*car, local) - reference) * k);
         };
         QPolygonF contour;
-        for (const Point2D& point : car->getContour())
+        for (const Point2D& point : localContour(*car))
             contour << drawn(point);
         painter.setPen(QPen(color.darker(170), 1.3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.setBrush(color);
@@ -740,14 +783,12 @@ void ScenePainter::paintLegend(QPainter& painter, const QSize& size,
         bool car;
     };
     std::vector<Entry> entries;
-    std::size_t car_index = 0;
+    const std::map<std::int32_t, QColor> car_colors = carColors();
     for (const auto& object : m_manager.getObjects()) {
         const auto* car = dynamic_cast<const overmap::Car*>(object.get());
         if (car != nullptr && visible(*car))
             entries.push_back(
-                {QString::fromStdString(car->getName()), QString(), objectColor(*car, car_index++), true});
-        else if (car != nullptr)
-            ++car_index;
+                {QString::fromStdString(car->getName()), QString(), car_colors.at(car->getId()), true});
     }
     for (const auto& calculation : m_manager.getCalculations()) {
         MeasuredCalculation measured;

@@ -176,6 +176,19 @@ TEST_F(SceneFixture, ASmallCarIsEnlargedAroundItsReferencePoint)
     EXPECT_EQ(pixel(image, painter, 0.0, -25.0 / scale), ScenePainter::BACKGROUND);
 }
 
+TEST_F(SceneFixture, CarsOfOneColourAreFilledInColoursOfTheirOwn)
+{
+    addCar(-6.0, 0.0, 0.0);
+    addCar(6.0, 0.0, 0.0);
+    ScenePainter painter(m_manager);
+    const QImage image = render(painter);
+    EXPECT_EQ(pixel(image, painter, -6.5, 1.0), CAR_COLOR) << "the first keeps its colour";
+    const QColor second = pixel(image, painter, 6.5, 1.0);
+    EXPECT_NE(second, CAR_COLOR);
+    EXPECT_NE(second, ScenePainter::BACKGROUND);
+    EXPECT_EQ(second, ScenePainter::paletteColor(0)) << "the first palette colour, which no car has";
+}
+
 // --- Tracks ----------------------------------------------------------------------------
 
 TEST_F(SceneFixture, AStraightTrackIsAFilledRibbon)

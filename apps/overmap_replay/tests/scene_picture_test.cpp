@@ -1,11 +1,17 @@
+#include <overmap_replay/channel_list_fetcher.h>
+#include <overmap_replay/replay_inputs.h>
 #include <overmap_replay/replay_scene.h>
 #include <overmap_replay/replay_tool.h>
 #include <overmap_replay/scene_picture.h>
+
+#include <om_model/calculation.h>
+#include <om_model/object_manager.h>
 
 #include <gtest/gtest.h>
 
 #include <QImage>
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <sstream>
@@ -123,6 +129,72 @@ TEST(DrivenPaths, HoldTheValidRowsOfMovingObjectsInTimeOrder)
     ASSERT_EQ(paths[0].positions.size(), 2u);
     EXPECT_DOUBLE_EQ(paths[0].positions[1].latitude, 48.3);
     EXPECT_DOUBLE_EQ(paths[0].positions[1].longitude, 11.3);
+}
+
+/// The example drives loaded, with either the example setup or the default scene.
+struct LoadedScene
+{
+    overmap_replay::LoadedRecordings recordings;
+    std::unique_ptr<overmap_replay::ChannelListFetcher> fetcher;
+    overmap_replay::SetupResult scene;
+};
+
+std::unique_ptr<LoadedScene> loadExample(bool with_setup)
+{
+    auto loaded = std::make_unique<LoadedScene>();
+    loaded->recordings = overmap_replay::loadRecordings(
+        {EXAMPLES + "/recordings/car1_drive_100hz.csv", EXAMPLES + "/recordings/car2_drive_100hz.csv"});
+    loaded->fetcher = std::make_unique<overmap_replay::ChannelListFetcher>(*loaded->recordings.manager);
+    loaded->scene = with_setup
+                        ? overmap_replay::loadSetup(EXAMPLES + "/setups/proving_ground.xml", *loaded->fetcher)
+                        : overmap_replay::defaultScene(loaded->recordings, *loaded->fetcher);
+    return loaded;
+}
+
+TEST(PlaceScene, BringsObjectsToTheTimeAndNamesThoseWithoutAPlace)
+{
+    auto loaded = loadExample(true);
+    ASSERT_TRUE(loaded->scene) << loaded->scene.error;
+    overmap::ObjectManager& manager = *loaded->scene.manager;
+    const auto replay = overmap_replay::replayScene(manager, {0.0, 60.0, 120.0});
+
+    // The replay left everything at 120 s; the picture wants 60 s.
+    EXPECT_EQ(overmap_replay::placeScene(manager, 60.0), std::set<std::int32_t>{});
+    for (const auto& row : replay.rows) {
+        if (row.time != 60.0 || row.object_id > 2)
+            continue;
+        const auto car = manager.findPositionObjectById(row.object_id);
+        EXPECT_DOUBLE_EQ(car->getGeoPosition().latitude, row.latitude) << row.name;
+        EXPECT_DOUBLE_EQ(car->getGeoPosition().longitude, row.longitude) << row.name;
+    }
+    // Car 2's recording has no fix at 0 s (its first row is not valid either).
+    EXPECT_EQ(overmap_replay::placeScene(manager, 0.0), std::set<std::int32_t>{2});
+}
+
+TEST(DefaultScene, CarsFaceWhereTheRecordingHeadsInColoursOfTheirOwn)
+{
+    auto loaded = loadExample(false);
+    ASSERT_TRUE(loaded->scene) << loaded->scene.error;
+    overmap::ObjectManager& manager = *loaded->scene.manager;
+    overmap_replay::placeScene(manager, 40.0);
+    const auto car = manager.findPositionObjectById(1);
+    ASSERT_NE(car, nullptr);
+    ASSERT_NEAR(car->getHeading(), 138.5, 0.1) << "south-east, round the top of the loop";
+
+    // From the reference point to the middle of the nose, in the picture frame.
+    overmap::Calculation nose;
+    nose.setFrom(car);
+    nose.setFromPoiIdx(0);
+    nose.setTo(car);
+    nose.setToPoiIdx(2);
+    overmap_replay::ScenePainter painter(manager);
+    overmap_replay::MeasuredCalculation measured;
+    ASSERT_TRUE(painter.measure(nose, measured));
+    const QPointF ahead = measured.to - measured.from;
+    const double bearing = std::atan2(ahead.x(), ahead.y()) * 180.0 / M_PI;
+    EXPECT_NEAR(bearing, 138.5, 0.5) << "clockwise from north, as the recording counts";
+
+    EXPECT_NE(manager.findObjectById(1)->getColor(), manager.findObjectById(2)->getColor());
 }
 
 } // namespace

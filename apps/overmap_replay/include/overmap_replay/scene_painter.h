@@ -11,6 +11,7 @@
 #include <QTransform>
 
 #include <cstdint>
+#include <map>
 #include <set>
 #include <vector>
 
@@ -18,6 +19,7 @@ class QPainter;
 
 namespace overmap {
 class ObjectManager;
+class Car;
 class GeoObject;
 class PositionObject;
 class Track;
@@ -63,6 +65,9 @@ public:
     /// Track ribbons are filled in this colour; their edges take the track's colour.
     static const QColor TRACK_FILL;
     static const QColor BACKGROUND;
+
+    /// Distinct colours for cars, from index 0 on, repeating after eight.
+    static QColor paletteColor(std::size_t index);
 
     /// @p manager must outlive the painter; it is only read.
     explicit ScenePainter(const overmap::ObjectManager& manager);
@@ -126,7 +131,12 @@ private:
     void paintLegend(QPainter& painter, const QSize& size, const std::vector<TrackShape>& tracks) const;
     /// The factor by which @p car is enlarged on a view of @p metres_to_pixels.
     double carEnlargement(const overmap::PositionObject& car, double metres_to_pixels) const;
-    QColor objectColor(const overmap::GeoObject& object, std::size_t index) const;
+    QColor objectColor(const overmap::GeoObject& object) const;
+    /// Each car's fill, by id: its own colour unless invalid or an earlier car's, else
+    /// the first free colour of the palette.
+    std::map<std::int32_t, QColor> carColors() const;
+    /// The contour in the car's local system.
+    static std::vector<math_geo::Point2D> localContour(const overmap::Car& car);
 
     const overmap::ObjectManager& m_manager;
     double m_time = 0.0;
