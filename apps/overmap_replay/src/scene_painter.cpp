@@ -174,7 +174,12 @@ std::vector<Point2D> ScenePainter::localContour(const overmap::Car& car)
     std::vector<Point2D> points = car.getContour();
     const CoordinateSystem local = car.localCoordinateSystem();
     for (Point2D& point : points) {
-        if (point.getCoordinateSystem() != local)
+        if (point.getCoordinateSystem() == local)
+            continue;
+        // SAE is a label without a conversion: its numbers are taken as they stand.
+        if (local == CoordinateSystem::SAE || point.getCoordinateSystem() == CoordinateSystem::SAE)
+            point.setCoordinateSystem(local);
+        else
             point.toCoordSystem(local);
     }
     return points;
@@ -659,10 +664,10 @@ void ScenePainter::paintPositionObjects(QPainter& painter, const QTransform& vie
         painter.setBrush(color);
         painter.drawPolygon(contour);
         // The nose: a line from the reference point forward, so that the heading reads at a glance.
-        const Point2D forward =
-            system == CoordinateSystem::X_RIGHT_Y_FRONT || system == CoordinateSystem::X_RIGHT_Y_BACK
-                ? Point2D(0.0, car->getLength() * 0.42, system)
-                : Point2D(car->getLength() * 0.42, 0.0, system);
+        const double nose = car->getLength() * 0.42;
+        const Point2D forward = system == CoordinateSystem::X_RIGHT_Y_FRONT  ? Point2D(0.0, nose, system)
+                                : system == CoordinateSystem::X_RIGHT_Y_BACK ? Point2D(0.0, -nose, system)
+                                                                             : Point2D(nose, 0.0, system);
         painter.setPen(
             QPen(QColor(255, 255, 255, 200), std::max(1.0, unit * 0.12), Qt::SolidLine, Qt::RoundCap));
         painter.drawLine(drawn(Point2D(0.0, 0.0, system)), drawn(forward));
