@@ -1,5 +1,7 @@
 #include <overmap_replay/replay_inputs.h>
 
+#include <overmap_replay/scene_painter.h>
+
 #include <lum_data/recording_channels.h>
 
 #include <lum_import/importers.h>
@@ -137,6 +139,14 @@ SetupResult defaultScene(const LoadedRecordings& recordings, overmap::IfChannelF
         auto car = std::make_shared<overmap::Car>(static_cast<std::int32_t>(recording.node_id),
                                                   manager.getReferencePlane());
         car->setName(recording.stem);
+        car->setColor(ScenePainter::paletteColor(manager.objectCount()).name().toStdString());
+        // Recorded headings turn clockwise from north, as this frame does; DIN70000 turns
+        // the other way. Same axes, so the contour only changes its label.
+        car->setCoordinateSystem(math_geo::CoordinateSystem::X_FRONT_Y_LEFT);
+        std::vector<math_geo::Point2D> contour = car->getContour();
+        for (math_geo::Point2D& point : contour)
+            point.setCoordinateSystem(math_geo::CoordinateSystem::X_FRONT_Y_LEFT);
+        car->setContour(contour);
         if (recording.first_position)
             car->setGeoPosition(*recording.first_position);
         // By id, which two files of the same name cannot confuse; a missing channel is

@@ -19,17 +19,41 @@ bool parseNumber(const std::string& text, double& value)
 
 } // namespace
 
+bool parsePictureSize(const std::string& text, int& width, int& height)
+{
+    const std::size_t x = text.find_first_of("xX");
+    if (x == std::string::npos)
+        return false;
+    const auto side = [](const std::string& digits, int& value) {
+        if (digits.empty() || digits.size() > 5 ||
+            digits.find_first_not_of("0123456789") != std::string::npos)
+            return false;
+        value = std::stoi(digits);
+        return value >= MIN_PICTURE_SIDE && value <= MAX_PICTURE_SIDE;
+    };
+    int w = 0;
+    int h = 0;
+    if (!side(text.substr(0, x), w) || !side(text.substr(x + 1), h))
+        return false;
+    width = w;
+    height = h;
+    return true;
+}
+
 std::string usageText()
 {
     return "usage: overmap-replay [--setup FILE] --data FILE [--data FILE ...]\n"
            "                      [--at T ...] [--from A --to B --step S]\n"
            "                      [--kml FILE] [--geojson FILE] [--out FILE]\n"
+           "                      [--png FILE [--png-at T] [--png-size WxH]]\n"
            "Replays recordings through a setup and writes one CSV row per object and time:\n"
            "time,object_id,name,latitude,longitude,heading,x,y,valid\n"
            "Times are seconds from the earliest recording's start. Recording n (from 1) has\n"
            "channel ids n/1, n/2, ... and long names <file stem>.<channel>. Without --setup,\n"
            "each recording drives one car from its latitude, longitude and heading channels.\n"
-           "Without times, the whole replay in steps of one second.\n";
+           "Without times, the whole replay in steps of one second.\n"
+           "--png draws the scene top-down at time T (default: the last replay time),\n"
+           "with the paths driven up to then; --png-size defaults to 1600x1000 pixels.\n";
 }
 
 ParsedArguments parseArguments(const std::vector<std::string>& args)
@@ -48,8 +72,9 @@ ParsedArguments parseArguments(const std::vector<std::string>& args)
             options.help = true;
             continue;
         }
-        static const char* const KNOWN[] = {"--setup", "--data", "--at",      "--from", "--to",
-                                            "--step",  "--kml",  "--geojson", "--out"};
+        static const char* const KNOWN[] = {"--setup", "--data", "--at",     "--from",
+                                            "--to",    "--step", "--kml",    "--geojson",
+                                            "--out",   "--png",  "--png-at", "--png-size"};
         if (std::find(std::begin(KNOWN), std::end(KNOWN), name) == std::end(KNOWN)) {
             result.error = "unknown argument \"" + args[i] + "\" (see --help)";
             return result;
@@ -62,7 +87,8 @@ ParsedArguments parseArguments(const std::vector<std::string>& args)
             value = args[++i];
         }
         double number = 0.0;
-        const bool is_time = name == "--at" || name == "--from" || name == "--to" || name == "--step";
+        const bool is_time =
+            name == "--at" || name == "--from" || name == "--to" || name == "--step" || name == "--png-at";
         if (is_time && !parseNumber(*value, number)) {
             result.error = name + " needs a number of seconds, not \"" + *value + "\"";
             return result;
@@ -83,11 +109,25 @@ ParsedArguments parseArguments(const std::vector<std::string>& args)
             options.kml_path = *value;
         else if (name == "--geojson")
             options.geojson_path = *value;
-        else
+        else if (name == "--png")
+            options.png_path = *value;
+        else if (name == "--png-at")
+            options.png_at = number;
+        else if (name == "--png-size") {
+            if (!parsePictureSize(*value, options.png_width, options.png_height)) {
+                result.error = "--png-size needs WIDTHxHEIGHT in pixels, each " +
+                               std::to_string(MIN_PICTURE_SIDE) + " to " + std::to_string(MAX_PICTURE_SIDE) +
+                               ", not \"" + *value + "\"";
+                return result;
+            }
+        } else
             options.out_path = *value;
     }
     if (!options.help && options.data_paths.empty())
         result.error = "no recording given (--data FILE)";
+    else if (options.png_path.empty() && (options.png_at || options.png_width != ReplayOptions().png_width ||
+                                          options.png_height != ReplayOptions().png_height))
+        result.error = "--png-at and --png-size go with --png FILE";
     return result;
 }
 

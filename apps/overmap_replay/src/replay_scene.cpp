@@ -127,6 +127,21 @@ ReplayResult replayScene(overmap::ObjectManager& manager, const std::vector<doub
     return result;
 }
 
+std::set<std::int32_t> placeScene(overmap::ObjectManager& manager, double time)
+{
+    std::set<std::int32_t> unplaced;
+    for (const auto& object : manager.getObjects()) {
+        auto* position_object = dynamic_cast<overmap::PositionObject*>(object.get());
+        if (position_object == nullptr)
+            continue;
+        if (positionKnownAt(*position_object, time))
+            position_object->update(time);
+        else
+            unplaced.insert(position_object->getId());
+    }
+    return unplaced;
+}
+
 void writeCsv(std::ostream& out, const std::vector<ReplayRow>& rows)
 {
     out << "time,object_id,name,latitude,longitude,heading,x,y,valid\n";

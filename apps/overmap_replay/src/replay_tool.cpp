@@ -4,6 +4,7 @@
 #include <overmap_replay/replay_inputs.h>
 #include <overmap_replay/replay_options.h>
 #include <overmap_replay/replay_scene.h>
+#include <overmap_replay/scene_picture.h>
 
 #include <fstream>
 #include <ostream>
@@ -62,6 +63,17 @@ int runReplay(const std::vector<std::string>& args, std::ostream& out, std::ostr
         return fail(err, EXIT_FAILED, error);
     if (!options.geojson_path.empty() && !writeGeoJson(options.geojson_path, result.paths, error))
         return fail(err, EXIT_FAILED, error);
+    if (!options.png_path.empty()) {
+        PictureRequest picture;
+        picture.path = options.png_path;
+        picture.width = options.png_width;
+        picture.height = options.png_height;
+        picture.time = options.png_at ? *options.png_at : (times.empty() ? 0.0 : times.back());
+        picture.paths = drivenPaths(result);
+        picture.hidden = placeScene(*scene.manager, picture.time);
+        if (!writeScenePicture(*scene.manager, picture, error))
+            return fail(err, EXIT_FAILED, error);
+    }
 
     if (!options.out_path.empty()) {
         std::ofstream file(options.out_path, std::ios::binary);

@@ -65,4 +65,42 @@ TEST(ReplayOptions, TimesCountStepsWithoutDriftAndStayWithinBounds)
         << "without times the whole replay in seconds";
 }
 
+TEST(ReplayOptions, PictureOptionsAndTheirSize)
+{
+    const auto parsed =
+        parseArguments({"--data", "a.csv", "--png", "v.png", "--png-at=12.5", "--png-size", "1200x750"});
+    ASSERT_EQ(parsed.error, "");
+    EXPECT_EQ(parsed.options.png_path, "v.png");
+    EXPECT_EQ(parsed.options.png_at, 12.5);
+    EXPECT_EQ(parsed.options.png_width, 1200);
+    EXPECT_EQ(parsed.options.png_height, 750);
+
+    const auto defaults = parseArguments({"--data", "a.csv", "--png", "v.png"}).options;
+    EXPECT_EQ(defaults.png_width, 1600);
+    EXPECT_EQ(defaults.png_height, 1000);
+    EXPECT_FALSE(defaults.png_at);
+
+    EXPECT_EQ(parseArguments({"--data", "a", "--png", "v.png", "--png-size", "big"}).error,
+              "--png-size needs WIDTHxHEIGHT in pixels, each 16 to 8192, not \"big\"");
+    EXPECT_EQ(parseArguments({"--data", "a", "--png", "v.png", "--png-at", "soon"}).error,
+              "--png-at needs a number of seconds, not \"soon\"");
+    EXPECT_EQ(parseArguments({"--data", "a", "--png-size", "100x100"}).error,
+              "--png-at and --png-size go with --png FILE");
+}
+
+TEST(ReplayOptions, PictureSizeText)
+{
+    int width = 1;
+    int height = 2;
+    EXPECT_TRUE(overmap_replay::parsePictureSize("16X8192", width, height));
+    EXPECT_EQ(width, 16);
+    EXPECT_EQ(height, 8192);
+    for (const char* bad : {"", "x", "100", "100x", "x100", "15x100", "100x8193", "-50x100", "+50x100",
+                            "100x100x3", "1e3x100", " 100x100", "100 x100", "99999999999x100"}) {
+        EXPECT_FALSE(overmap_replay::parsePictureSize(bad, width, height)) << '"' << bad << '"';
+        EXPECT_EQ(width, 16) << "untouched by a refused text";
+        EXPECT_EQ(height, 8192);
+    }
+}
+
 } // namespace

@@ -18,6 +18,10 @@ struct ReplayOptions
     std::string kml_path;                ///< --kml
     std::string geojson_path;            ///< --geojson
     std::string out_path;                ///< --out; empty: standard output
+    std::string png_path;                ///< --png; empty: no picture
+    std::optional<double> png_at;        ///< --png-at; unset: the last replay time
+    int png_width = 1600;                ///< --png-size WxH, pixels
+    int png_height = 1000;
     bool help = false;
 };
 
@@ -31,6 +35,14 @@ struct ParsedArguments
 ParsedArguments parseArguments(const std::vector<std::string>& args);
 
 std::string usageText();
+
+/// Smallest and largest side of a picture, pixels.
+constexpr int MIN_PICTURE_SIDE = 16;
+constexpr int MAX_PICTURE_SIDE = 8192;
+
+/// Reads "WIDTHxHEIGHT" ("1600x1000"); false, with the numbers untouched, for anything
+/// else or a side outside MIN_PICTURE_SIDE..MAX_PICTURE_SIDE.
+bool parsePictureSize(const std::string& text, int& width, int& height);
 
 /// The replay times, ascending and without repeats: every --at time and the range
 /// from..to (both included) in steps of step. Without any of them, the whole of

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,11 @@ struct ReplayResult
 /// Brings every position object of @p manager to each of @p times in turn (ascending
 /// for the paths to make sense) and records where it stands.
 ReplayResult replayScene(overmap::ObjectManager& manager, const std::vector<double>& times);
+
+/// Brings every position object of @p manager to @p time, as replayScene does for each of
+/// its times. Answers the ids of the objects whose channels give no place at that time:
+/// they stand where they stood before.
+std::set<std::int32_t> placeScene(overmap::ObjectManager& manager, double time);
 
 /// Header "time,object_id,name,latitude,longitude,heading,x,y,valid", then the rows.
 void writeCsv(std::ostream& out, const std::vector<ReplayRow>& rows);
