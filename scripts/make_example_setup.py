@@ -69,7 +69,7 @@ CAR_WIDTH = 1.85
 
 
 def car_contour():
-    """A saloon's outline, DIN70000 (x forward, y left), symmetric about its centre."""
+    """A saloon's outline, x forward and y left, symmetric about its centre."""
     half_l, half_w, corner = CAR_LENGTH / 2, CAR_WIDTH / 2, 0.35
     points = []
     for cx, cy, start in ((half_l - corner, half_w - corner, 0), (-half_l + corner, half_w - corner, 90),
@@ -92,7 +92,8 @@ def car(object_id, name, color, node, position, offset):
                   ("latitude", real(position[0])), ("longitude", real(position[1])), ("heading", real(0.0))]
     attributes += channel("latitude", node, "latitude") + channel("longitude", node, "longitude")
     attributes += channel("heading", node, "heading")
-    attributes += [("coordinateSystem", "DIN70000"), ("gpsOffsetX", real(offset[0])), ("gpsOffsetY", real(offset[1]))]
+    # The recorded headings are compass headings (clockwise); DIN70000 counts the other way.
+    attributes += [("coordinateSystem", "X_FRONT_Y_LEFT"), ("gpsOffsetX", real(offset[0])), ("gpsOffsetY", real(offset[1]))]
     return element("Car", attributes, [pois(car_pois()), element("Contour", [], text=vertex_text(car_contour()))])
 
 
@@ -147,7 +148,7 @@ def main():
               [element("GPSPositions", [], text=vertex_text([start, to_geo(0.0, STRAIGHT)]))]),
         track("TrackLine", 102, "Top hairpin", "#17becf", 5.0,
               [element("GPSPositions", [], text=vertex_text([to_geo(0.0, STRAIGHT), to_geo(2 * RADIUS, STRAIGHT)]))],
-              radius=RADIUS, arc_length=math.pi * RADIUS, bearing=270.0),
+              radius=RADIUS, arc_length=math.pi * RADIUS, bearing=0.0),
     ]
     calculations = [
         calculation(1, "Gap car 1 front to car 2 front", 1, 1, 2, 1, True, True),
