@@ -10,14 +10,14 @@
 #include <uni_base/uni_assert.h>
 #include <uni_base/uni_log.h>
 
+#include <QEvent>
 #include <QMetaObject>
-#include <QMutexLocker>
-#include <QReadLocker>
 #include <QThread>
-#include <QWriteLocker>
 
 #include <exception>
+#include <mutex>
 #include <set>
+#include <shared_mutex>
 #include <string>
 #include <unordered_set>
 #include <utility>
@@ -121,15 +121,15 @@ QChannelListModel::~QChannelListModel()
     m_notification_timer.stop();
     {
         // The running action reports into the watcher: let it end first.
-        QMutexLocker lock(&m_action_lock);
+        const std::lock_guard<std::recursive_mutex> lock(m_action_lock);
         m_action_watcher.disconnect(this);
         m_action_future.waitForFinished();
     }
     // Quietly: whoever still watches this list learns of its end from destroyed().
     blockSignals(true);
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     {
-        QWriteLocker ids(&m_id_lock);
+        const std::unique_lock<std::shared_mutex> ids(m_id_lock);
         m_channels_by_id.clear();
     }
     QObjectListModel::clearList(m_delete_channels);
@@ -140,6 +140,23 @@ void QChannelListModel::setChannelConfigManager(ferrin_config::IfChannelConfigMa
     m_channel_config_manager = manager;
 }
 
+void QChannelListModel::syncHop() const
+{
+    m_hop_clock.fetch_add(1, std::memory_order_acq_rel);
+}
+
+bool QChannelListModel::event(QEvent* event)
+{
+    if (event->type() != QEvent::MetaCall)
+        return QObjectListModelT<QChannel>::event(event);
+    // A call from another thread: take over what its caller wrote before the hop, and
+    // hand back what the call wrote.
+    syncHop();
+    const bool handled = QObjectListModelT<QChannel>::event(event);
+    syncHop();
+    return handled;
+}
+
 bool QChannelListModel::onModelThread() const
 {
     return QThread::currentThread() == thread();
@@ -147,20 +164,20 @@ bool QChannelListModel::onModelThread() const
 
 QChannelListModel::IdMap QChannelListModel::snapshot() const
 {
-    QReadLocker ids(&m_id_lock);
+    const std::shared_lock<std::shared_mutex> ids(m_id_lock);
     return m_channels_by_id;
 }
 
 QChannel* QChannelListModel::channelOf(channel_config::ChannelID id) const
 {
-    QReadLocker ids(&m_id_lock);
+    const std::shared_lock<std::shared_mutex> ids(m_id_lock);
     const auto found = m_channels_by_id.find(id);
     return found == m_channels_by_id.end() ? nullptr : found->second;
 }
 
 int QChannelListModel::rowOf(channel_config::ChannelID id) const
 {
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     QChannel* channel = channelOf(id);
     return channel ? indexOf(channel) : -1;
 }
@@ -178,7 +195,7 @@ void QChannelListModel::pullIntoModelThread(QObject* object) const
 
 QChannel* QChannelListModel::getChannelByID(channel_config::ChannelID id) const
 {
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     return channelOf(id);
 }
 
@@ -195,13 +212,13 @@ QChannel* QChannelListModel::getChannelByIDString(const QString& id) const
 
 QChannel* QChannelListModel::getChannelByIndex(int i) const
 {
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     return at(i);
 }
 
 QChannel* QChannelListModel::getChannelByName(const QString& name) const
 {
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     for (QChannel* channel : typedList()) {
         if (channel->name() == name)
             return channel;
@@ -212,7 +229,7 @@ QChannel* QChannelListModel::getChannelByName(const QString& name) const
 QChannel* QChannelListModel::getChannelByConfigItem(const QString& key, const QVariant& value) const
 {
     const std::string std_key = key.toStdString();
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     for (QChannel* channel : typedList()) {
         const std::shared_ptr<ferrin::Channel>& ferrin_channel = channel->ferrinChannel();
         if (!ferrin_channel || !ferrin_channel->hasConfigItem(std_key))
@@ -226,7 +243,7 @@ QChannel* QChannelListModel::getChannelByConfigItem(const QString& key, const QV
 QStringList QChannelListModel::getAllIDsStr() const
 {
     QStringList ids;
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     for (QChannel* channel : typedList())
         ids << channel->getChannelId();
     return ids;
@@ -246,7 +263,7 @@ QChannelListModel* QChannelListModel::getNeededChannels(QChannel* channel) const
         return nullptr;
     const std::uint64_t id = channel->ferrinChannel()->getChannelId().toUInt64();
     QList<QObject*> needed;
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     for (QChannel* candidate : typedList()) {
         const std::shared_ptr<ferrin::Channel>& ferrin_channel = candidate->ferrinChannel();
         if (ferrin_channel && ferrin_channel->getDependentChannels().count(id) > 0)
@@ -260,7 +277,7 @@ QChannelListModel* QChannelListModel::getDependentChannels(QChannel* channel) co
     if (!channel || !channel->ferrinChannel())
         return nullptr;
     QList<QObject*> dependent;
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     for (const std::uint64_t id : channel->ferrinChannel()->getDependentChannels()) {
         if (QChannel* found = channelOf(channel_config::ChannelID(id)))
             dependent.append(found);
@@ -281,13 +298,15 @@ void QChannelListModel::insertChannel(QChannel* new_channel, QChannel* successor
         if (!UNI_ASSERT(successor))
             return;
         pullIntoModelThread(successor);
+        syncHop();
         checkHop(QMetaObject::invokeMethod(this, "insertChannel", Qt::BlockingQueuedConnection,
                                            Q_ARG(lum::qchannel::QChannel*, new_channel),
                                            Q_ARG(lum::qchannel::QChannel*, successor)),
                  INSERT_CALL, __LINE__);
+        syncHop();
         return;
     }
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     if (new_channel->ferrinChannel() &&
         channelOf(new_channel->ferrinChannel()->getChannelId()) == new_channel)
         return;
@@ -301,12 +320,14 @@ void QChannelListModel::appendChannel(QChannel* channel)
         return;
     if (!onModelThread()) {
         pullIntoModelThread(channel);
+        syncHop();
         checkHop(QMetaObject::invokeMethod(this, "appendChannel", Qt::BlockingQueuedConnection,
                                            Q_ARG(lum::qchannel::QChannel*, channel)),
                  APPEND_CALL, __LINE__);
+        syncHop();
         return;
     }
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     // A channel object is in the list once: a second row could not be told apart by id.
     if (channel->ferrinChannel() && channelOf(channel->ferrinChannel()->getChannelId()) == channel)
         return;
@@ -320,12 +341,14 @@ void QChannelListModel::appendChannels(QList<QObject*> channels)
     if (!onModelThread()) {
         for (QObject* channel : qAsConst(channels))
             pullIntoModelThread(channel);
+        syncHop();
         checkHop(QMetaObject::invokeMethod(this, "appendChannels", Qt::BlockingQueuedConnection,
                                            Q_ARG(QList<QObject*>, channels)),
                  APPEND_MANY_CALL, __LINE__);
+        syncHop();
         return;
     }
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     QList<QObject*> accepted;
     accepted.reserve(channels.size());
     std::set<QObject*> seen;
@@ -347,20 +370,24 @@ void QChannelListModel::removeChannel(QChannel* channel)
     if (!channel)
         return;
     if (!onModelThread()) {
+        syncHop();
         checkHop(QMetaObject::invokeMethod(this, "removeChannel", Qt::BlockingQueuedConnection,
                                            Q_ARG(lum::qchannel::QChannel*, channel)),
                  REMOVE_CALL, __LINE__);
+        syncHop();
         return;
     }
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     removeItem(channel);
 }
 
 void QChannelListModel::clearAll()
 {
     if (!onModelThread()) {
+        syncHop();
         checkHop(QMetaObject::invokeMethod(this, "clearAll", Qt::BlockingQueuedConnection), CLEAR_CALL,
                  __LINE__);
+        syncHop();
         return;
     }
     clearList(m_delete_channels);
@@ -369,9 +396,11 @@ void QChannelListModel::clearAll()
 void QChannelListModel::setChannels(const QVariantList& channels)
 {
     if (!onModelThread()) {
+        syncHop();
         checkHop(QMetaObject::invokeMethod(this, "setChannels", Qt::BlockingQueuedConnection,
                                            Q_ARG(QVariantList, channels)),
                  SET_CALL, __LINE__);
+        syncHop();
         return;
     }
     QList<QObject*> objects;
@@ -384,7 +413,7 @@ void QChannelListModel::setChannels(const QVariantList& channels)
         if (seen.insert(channel).second)
             objects.append(channel);
     }
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     setList(objects);
 }
 
@@ -394,7 +423,7 @@ void QChannelListModel::listAppend(QList<QObject*> objects)
         appendChannels(objects);
         return;
     }
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     QObjectListModel::listAppend(objects);
 }
 
@@ -404,7 +433,7 @@ void QChannelListModel::listAppend(QObject* obj)
         appendChannels({obj});
         return;
     }
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     QObjectListModel::listAppend(obj);
 }
 
@@ -412,9 +441,9 @@ void QChannelListModel::clearList(bool deleteObjects)
 {
     if (!UNI_ASSERT(runningInObjectThread()))
         return;
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     {
-        QWriteLocker ids(&m_id_lock);
+        const std::unique_lock<std::shared_mutex> ids(m_id_lock);
         m_channels_by_id.clear();
     }
     // While messages are applied, what is still queued came after the clear.
@@ -454,12 +483,12 @@ void QChannelListModel::onObjectsInserted(int first, int last)
 {
     if (last < first)
         return;
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     const QList<QObject*> objects = list();
     QList<QChannel*> inserted;
     inserted.reserve(last - first + 1);
     {
-        QWriteLocker ids(&m_id_lock);
+        const std::unique_lock<std::shared_mutex> ids(m_id_lock);
         for (int row = first; row <= last && row < objects.size(); ++row) {
             auto* channel = qobject_cast<QChannel*>(objects.at(row));
             if (!channel)
@@ -477,12 +506,12 @@ void QChannelListModel::onObjectsAboutToBeRemoved(int first, int last)
 {
     if (last < first)
         return;
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     const QList<QObject*> objects = list();
     QList<QChannel*> removed;
     removed.reserve(last - first + 1);
     {
-        QWriteLocker ids(&m_id_lock);
+        const std::unique_lock<std::shared_mutex> ids(m_id_lock);
         for (int row = first; row <= last && row < objects.size(); ++row) {
             QObject* object = objects.at(row);
             if (object == nullptr)
@@ -545,11 +574,11 @@ void QChannelListModel::onFerrinChannelChanged(channel_config::ChannelID channel
     {
         // A channel given a replacement under another id keeps being found: the map
         // follows it. The sender is only used once it is known to be in the list.
-        QMutexLocker lock(&m_list_lock);
+        const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
         QObject* sender_object = sender();
         if (channelOf(channel_id) == nullptr && sender_object && indexOf(sender_object) >= 0) {
             auto* channel = qobject_cast<QChannel*>(sender_object);
-            QWriteLocker ids(&m_id_lock);
+            const std::unique_lock<std::shared_mutex> ids(m_id_lock);
             for (auto it = m_channels_by_id.begin(); it != m_channels_by_id.end(); ++it) {
                 if (it->second == channel) {
                     m_channels_by_id.erase(it);
@@ -566,7 +595,7 @@ void QChannelListModel::onChannelDestroying(QChannel* channel)
 {
     if (!channel || !runningInObjectThread())
         return;
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     const int row = indexOf(channel);
     if (row < 0)
         return;
@@ -587,9 +616,12 @@ void QChannelListModel::onChannelDestroying(QChannel* channel)
 void QChannelListModel::beginBatchOperation()
 {
     if (!onModelThread()) {
+        QThread* const caller = QThread::currentThread();
+        syncHop();
         checkHop(QMetaObject::invokeMethod(this, "beginBatchOperationWithCache", Qt::BlockingQueuedConnection,
-                                           Q_ARG(QThread*, QThread::currentThread())),
+                                           Q_ARG(QThread*, caller)),
                  BEGIN_BATCH_CALL, __LINE__);
+        syncHop();
         return;
     }
     beginBatchOperationWithCache(QThread::currentThread());
@@ -598,10 +630,12 @@ void QChannelListModel::beginBatchOperation()
 void QChannelListModel::endBatchOperation()
 {
     if (!onModelThread()) {
+        QThread* const caller = QThread::currentThread();
+        syncHop();
         checkHop(QMetaObject::invokeMethod(this, "endBatchOperationAndUpdateWithCache",
-                                           Qt::BlockingQueuedConnection,
-                                           Q_ARG(QThread*, QThread::currentThread())),
+                                           Qt::BlockingQueuedConnection, Q_ARG(QThread*, caller)),
                  END_BATCH_CALL, __LINE__);
+        syncHop();
         return;
     }
     endBatchOperationAndUpdateWithCache(QThread::currentThread());
@@ -651,17 +685,20 @@ void QChannelListModel::notify(ferrin::NotificationType type, std::shared_ptr<fe
     if (type > ferrin::NOTIFY_CLEAR)
         return;
     {
-        QMutexLocker lock(&m_list_lock);
+        const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
         m_pending_notifications.push_back(PendingNotification{type, std::move(channel)});
         m_pending_flag = true;
     }
     if (m_notification_delivery == DELIVERY_IMMEDIATE) {
-        if (onModelThread())
+        if (onModelThread()) {
             applyPendingChannelNotifications();
-        else
-            checkHop(QMetaObject::invokeMethod(this, "applyPendingChannelNotifications",
-                                               Qt::BlockingQueuedConnection),
-                     APPLY_CALL, __LINE__);
+            return;
+        }
+        syncHop();
+        checkHop(
+            QMetaObject::invokeMethod(this, "applyPendingChannelNotifications", Qt::BlockingQueuedConnection),
+            APPLY_CALL, __LINE__);
+        syncHop();
         return;
     }
     // One start request on its way is enough; restarting a running timer on every
@@ -679,38 +716,39 @@ void QChannelListModel::startNotificationTimer()
 
 bool QChannelListModel::hasPendingChannelNotifications() const
 {
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     return m_pending_flag;
 }
 
 void QChannelListModel::applyPendingChannelNotifications()
 {
     if (!onModelThread()) {
+        syncHop();
         checkHop(
             QMetaObject::invokeMethod(this, "applyPendingChannelNotifications", Qt::BlockingQueuedConnection),
             APPLY_CALL, __LINE__);
+        syncHop();
         return;
     }
+    // A message sent from a slot while messages are applied waits for the next pass.
+    if (m_applying)
+        return;
     QThread* const thread = QThread::currentThread();
-    const bool was_applying = m_applying;
     m_applying = true;
     for (int pass = 0; pass < MAX_APPLY_PASSES && hasPendingChannelNotifications(); ++pass) {
+        // Held for the whole pass, so that readers on other threads never meet a channel
+        // half replaced; released between passes, so that producers can queue more.
+        const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
         beginBatchOperationWithCache(thread);
         std::vector<PendingNotification> pending;
-        {
-            QMutexLocker lock(&m_list_lock);
-            pending.swap(m_pending_notifications);
-            m_pending_flag = false;
-        }
+        pending.swap(m_pending_notifications);
+        m_pending_flag = false;
         for (const PendingNotification& notification : pending)
             applyNotification(notification);
-        {
-            QMutexLocker lock(&m_list_lock);
-            m_pending_flag = !m_pending_notifications.empty();
-        }
+        m_pending_flag = !m_pending_notifications.empty();
         endBatchOperationAndUpdateWithCache(thread);
     }
-    m_applying = was_applying;
+    m_applying = false;
     // What a flood left over waits for the timer.
     if (hasPendingChannelNotifications())
         m_notification_timer.start();
@@ -759,7 +797,7 @@ void QChannelListModel::applyNotification(const PendingNotification& notificatio
 std::vector<std::shared_ptr<ferrin::Channel>> QChannelListModel::ferrinChannels() const
 {
     std::vector<std::shared_ptr<ferrin::Channel>> channels;
-    QMutexLocker lock(&m_list_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     const QList<QChannel*> listed = typedList();
     channels.reserve(static_cast<std::size_t>(listed.size()));
     for (QChannel* channel : listed) {
@@ -850,14 +888,14 @@ void QChannelListModel::applyChannelAction(const QString& key, double time)
     }
     std::vector<channel_config::ChannelID> ids;
     {
-        QMutexLocker lock(&m_list_lock);
+        const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
         for (QChannel* channel : typedList()) {
             if (channel->ferrinChannel())
                 ids.push_back(channel->ferrinChannel()->getChannelId());
         }
     }
     {
-        QMutexLocker lock(&m_action_lock);
+        const std::lock_guard<std::recursive_mutex> lock(m_action_lock);
         if (m_action_watcher.isRunning()) {
             UNI_LOG(LOGGER, SEV_NOTE) << "Skipping ChannelAction " << std_key
                                       << " because there is already another action in progress!";
@@ -876,7 +914,7 @@ void QChannelListModel::applyChannelAction(const QString& key, double time)
 
 void QChannelListModel::waitForChannelActionFinished()
 {
-    QMutexLocker lock(&m_action_lock);
+    const std::lock_guard<std::recursive_mutex> lock(m_action_lock);
     m_action_future.waitForFinished();
 }
 

@@ -349,6 +349,29 @@ TEST_F(ChannelListTest, BatchesOfAWorkerThreadHopIntoTheModelThread)
     EXPECT_EQ(list->getChannelByIndex(0)->thread(), list->thread());
 }
 
+TEST_F(ChannelListTest, InsertionFromAWorkerNeedsASuccessor)
+{
+    QChannelListModel* list = makeList();
+    QChannel* a = channel(1, "a");
+    list->appendChannel(a);
+    uni_testing::AssertCapture asserts;
+    std::atomic<bool> done{false};
+    std::thread worker([&] {
+        list->insertChannel(new QChannel(makeChannel(6, 1, "before a")), a);
+        auto* orphan = new QChannel(makeChannel(6, 2, "orphan"));
+        list->insertChannel(orphan, nullptr);
+        delete orphan;
+        done = true;
+    });
+    ASSERT_TRUE(spinUntil([&] { return done.load(); }));
+    worker.join();
+
+    EXPECT_TRUE(asserts.fired("successor"));
+    ASSERT_EQ(list->size(), 2);
+    EXPECT_EQ(list->getChannelByIndex(0)->name(), "before a");
+    EXPECT_EQ(list->getChannelByIndex(1), a);
+}
+
 // ---------------------------------------------------------------------------------------
 // Messages of the acquisition core
 
@@ -395,6 +418,38 @@ TEST_F(ChannelListTest, QueuedDeliveryIsAppliedByTheTimer)
 
     ASSERT_TRUE(spinUntil([&] { return list->size() == 5; }));
     EXPECT_EQ(reset.count(), 1);
+}
+
+/// A channel whose every replacement makes the core send another one: a flood that
+/// never ends on its own.
+QMetaObject::Connection floodOnReplacement(QChannelListModel* list, QChannel* channel, int& replacements)
+{
+    return QObject::connect(channel, &QChannel::ferrinChannelChanged, list, [list, &replacements] {
+        ++replacements;
+        list->notify(ferrin::NOTIFY_CHANNEL_CHANGED, makeChannel(5, 1, "flood"));
+    });
+}
+
+TEST_F(ChannelListTest, AFloodIsCutAfterNinePassesAndTheRestWaitsForTheTimer)
+{
+    for (const auto delivery : {QChannelListModel::DELIVERY_QUEUED, QChannelListModel::DELIVERY_IMMEDIATE}) {
+        SCOPED_TRACE(delivery);
+        QChannelListModel* list = makeList(delivery);
+        QChannel* a = channel(1, "a");
+        list->appendChannel(a);
+        int replacements = 0;
+        const QMetaObject::Connection flood = floodOnReplacement(list, a, replacements);
+
+        list->notify(ferrin::NOTIFY_CHANNEL_CHANGED, makeChannel(5, 1, "first"));
+        if (delivery == QChannelListModel::DELIVERY_QUEUED)
+            list->applyPendingChannelNotifications();
+
+        EXPECT_EQ(replacements, 9);
+        EXPECT_TRUE(list->hasPendingChannelNotifications());
+        QObject::disconnect(flood);
+        ASSERT_TRUE(spinUntil([&] { return !list->hasPendingChannelNotifications(); }));
+        EXPECT_EQ(a->name(), "flood");
+    }
 }
 
 TEST_F(ChannelListTest, AChannelWithTheInternalFlagGetsNoQChannel)
