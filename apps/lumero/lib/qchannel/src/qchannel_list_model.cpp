@@ -130,7 +130,7 @@ QChannelListModel::~QChannelListModel()
     const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     {
         const std::unique_lock<std::shared_mutex> ids(m_id_lock);
-        m_channels_by_id.clear();
+        clearIdEntries();
     }
     QObjectListModel::clearList(m_delete_channels);
 }
@@ -143,6 +143,19 @@ void QChannelListModel::setChannelConfigManager(ferrin_config::IfChannelConfigMa
 void QChannelListModel::syncHop() const
 {
     m_hop_clock.fetch_add(1, std::memory_order_acq_rel);
+}
+
+template <typename Invoke>
+void QChannelListModel::hop(Invoke invoke, const char* call, int line) const
+{
+    syncHop();
+    checkHop(invoke(), call, line);
+    syncHop();
+}
+
+bool QChannelListModel::isListed(const QChannel* channel) const
+{
+    return channel->ferrinChannel() && channelOf(channel->ferrinChannel()->getChannelId()) == channel;
 }
 
 bool QChannelListModel::event(QEvent* event)
@@ -162,17 +175,11 @@ bool QChannelListModel::onModelThread() const
     return QThread::currentThread() == thread();
 }
 
-QChannelListModel::IdMap QChannelListModel::snapshot() const
-{
-    const std::shared_lock<std::shared_mutex> ids(m_id_lock);
-    return m_channels_by_id;
-}
-
 QChannel* QChannelListModel::channelOf(channel_config::ChannelID id) const
 {
     const std::shared_lock<std::shared_mutex> ids(m_id_lock);
-    const auto found = m_channels_by_id.find(id);
-    return found == m_channels_by_id.end() ? nullptr : found->second;
+    const auto found = m_channels_by_hash.find(id);
+    return found == m_channels_by_hash.end() ? nullptr : found->second;
 }
 
 int QChannelListModel::rowOf(channel_config::ChannelID id) const
@@ -298,17 +305,17 @@ void QChannelListModel::insertChannel(QChannel* new_channel, QChannel* successor
         if (!UNI_ASSERT(successor))
             return;
         pullIntoModelThread(successor);
-        syncHop();
-        checkHop(QMetaObject::invokeMethod(this, "insertChannel", Qt::BlockingQueuedConnection,
-                                           Q_ARG(lum::qchannel::QChannel*, new_channel),
-                                           Q_ARG(lum::qchannel::QChannel*, successor)),
-                 INSERT_CALL, __LINE__);
-        syncHop();
+        hop(
+            [&] {
+                return QMetaObject::invokeMethod(this, "insertChannel", Qt::BlockingQueuedConnection,
+                                                 Q_ARG(lum::qchannel::QChannel*, new_channel),
+                                                 Q_ARG(lum::qchannel::QChannel*, successor));
+            },
+            INSERT_CALL, __LINE__);
         return;
     }
     const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
-    if (new_channel->ferrinChannel() &&
-        channelOf(new_channel->ferrinChannel()->getChannelId()) == new_channel)
+    if (isListed(new_channel))
         return;
     const int row = successor ? indexOf(successor) : -1;
     insert(row < 0 ? size() : row, new_channel);
@@ -320,16 +327,17 @@ void QChannelListModel::appendChannel(QChannel* channel)
         return;
     if (!onModelThread()) {
         pullIntoModelThread(channel);
-        syncHop();
-        checkHop(QMetaObject::invokeMethod(this, "appendChannel", Qt::BlockingQueuedConnection,
-                                           Q_ARG(lum::qchannel::QChannel*, channel)),
-                 APPEND_CALL, __LINE__);
-        syncHop();
+        hop(
+            [&] {
+                return QMetaObject::invokeMethod(this, "appendChannel", Qt::BlockingQueuedConnection,
+                                                 Q_ARG(lum::qchannel::QChannel*, channel));
+            },
+            APPEND_CALL, __LINE__);
         return;
     }
     const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     // A channel object is in the list once: a second row could not be told apart by id.
-    if (channel->ferrinChannel() && channelOf(channel->ferrinChannel()->getChannelId()) == channel)
+    if (isListed(channel))
         return;
     append(channel);
 }
@@ -341,11 +349,12 @@ void QChannelListModel::appendChannels(QList<QObject*> channels)
     if (!onModelThread()) {
         for (QObject* channel : qAsConst(channels))
             pullIntoModelThread(channel);
-        syncHop();
-        checkHop(QMetaObject::invokeMethod(this, "appendChannels", Qt::BlockingQueuedConnection,
-                                           Q_ARG(QList<QObject*>, channels)),
-                 APPEND_MANY_CALL, __LINE__);
-        syncHop();
+        hop(
+            [&] {
+                return QMetaObject::invokeMethod(this, "appendChannels", Qt::BlockingQueuedConnection,
+                                                 Q_ARG(QList<QObject*>, channels));
+            },
+            APPEND_MANY_CALL, __LINE__);
         return;
     }
     const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
@@ -357,8 +366,7 @@ void QChannelListModel::appendChannels(QList<QObject*> channels)
             continue;
         // Objects of another class go on, for the base to refuse with its report.
         const auto* channel = qobject_cast<QChannel*>(object);
-        if (channel && channel->ferrinChannel() &&
-            channelOf(channel->ferrinChannel()->getChannelId()) == channel)
+        if (channel && isListed(channel))
             continue;
         accepted.append(object);
     }
@@ -370,11 +378,12 @@ void QChannelListModel::removeChannel(QChannel* channel)
     if (!channel)
         return;
     if (!onModelThread()) {
-        syncHop();
-        checkHop(QMetaObject::invokeMethod(this, "removeChannel", Qt::BlockingQueuedConnection,
-                                           Q_ARG(lum::qchannel::QChannel*, channel)),
-                 REMOVE_CALL, __LINE__);
-        syncHop();
+        hop(
+            [&] {
+                return QMetaObject::invokeMethod(this, "removeChannel", Qt::BlockingQueuedConnection,
+                                                 Q_ARG(lum::qchannel::QChannel*, channel));
+            },
+            REMOVE_CALL, __LINE__);
         return;
     }
     const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
@@ -384,10 +393,8 @@ void QChannelListModel::removeChannel(QChannel* channel)
 void QChannelListModel::clearAll()
 {
     if (!onModelThread()) {
-        syncHop();
-        checkHop(QMetaObject::invokeMethod(this, "clearAll", Qt::BlockingQueuedConnection), CLEAR_CALL,
-                 __LINE__);
-        syncHop();
+        hop([&] { return QMetaObject::invokeMethod(this, "clearAll", Qt::BlockingQueuedConnection); },
+            CLEAR_CALL, __LINE__);
         return;
     }
     clearList(m_delete_channels);
@@ -396,11 +403,12 @@ void QChannelListModel::clearAll()
 void QChannelListModel::setChannels(const QVariantList& channels)
 {
     if (!onModelThread()) {
-        syncHop();
-        checkHop(QMetaObject::invokeMethod(this, "setChannels", Qt::BlockingQueuedConnection,
-                                           Q_ARG(QVariantList, channels)),
-                 SET_CALL, __LINE__);
-        syncHop();
+        hop(
+            [&] {
+                return QMetaObject::invokeMethod(this, "setChannels", Qt::BlockingQueuedConnection,
+                                                 Q_ARG(QVariantList, channels));
+            },
+            SET_CALL, __LINE__);
         return;
     }
     QList<QObject*> objects;
@@ -444,7 +452,7 @@ void QChannelListModel::clearList(bool deleteObjects)
     const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
     {
         const std::unique_lock<std::shared_mutex> ids(m_id_lock);
-        m_channels_by_id.clear();
+        clearIdEntries();
     }
     // While messages are applied, what is still queued came after the clear.
     if (!m_applying) {
@@ -479,22 +487,54 @@ void QChannelListModel::disconnectChannel(QChannel* channel)
                         "1onChannelDestroying(lum::qchannel::QChannel*)");
 }
 
+void QChannelListModel::putIdEntry(channel_config::ChannelID id, QChannel* channel)
+{
+    m_channels_by_id[id] = channel;
+    m_channels_by_hash[id] = channel;
+}
+
+void QChannelListModel::dropIdEntry(channel_config::ChannelID id)
+{
+    m_channels_by_id.erase(id);
+    m_channels_by_hash.erase(id);
+}
+
+void QChannelListModel::clearIdEntries()
+{
+    m_channels_by_id.clear();
+    m_channels_by_hash.clear();
+}
+
+void QChannelListModel::eraseIdEntryOf(const QObject* channel)
+{
+    for (const auto& [id, listed] : m_channels_by_id) {
+        if (listed == channel) {
+            dropIdEntry(id);
+            return;
+        }
+    }
+}
+
+QList<QObject*> QChannelListModel::rows(int first, int last) const
+{
+    const QList<QObject*> objects = list();
+    if (last < first || first < 0 || first >= objects.size())
+        return {};
+    return objects.mid(first, last - first + 1);
+}
+
 void QChannelListModel::onObjectsInserted(int first, int last)
 {
-    if (last < first)
-        return;
     const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
-    const QList<QObject*> objects = list();
     QList<QChannel*> inserted;
-    inserted.reserve(last - first + 1);
     {
         const std::unique_lock<std::shared_mutex> ids(m_id_lock);
-        for (int row = first; row <= last && row < objects.size(); ++row) {
-            auto* channel = qobject_cast<QChannel*>(objects.at(row));
+        for (QObject* object : rows(first, last)) {
+            auto* channel = qobject_cast<QChannel*>(object);
             if (!channel)
                 continue;
             if (channel->ferrinChannel())
-                m_channels_by_id[channel->ferrinChannel()->getChannelId()] = channel;
+                putIdEntry(channel->ferrinChannel()->getChannelId(), channel);
             inserted.append(channel);
         }
     }
@@ -504,16 +544,11 @@ void QChannelListModel::onObjectsInserted(int first, int last)
 
 void QChannelListModel::onObjectsAboutToBeRemoved(int first, int last)
 {
-    if (last < first)
-        return;
     const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
-    const QList<QObject*> objects = list();
     QList<QChannel*> removed;
-    removed.reserve(last - first + 1);
     {
         const std::unique_lock<std::shared_mutex> ids(m_id_lock);
-        for (int row = first; row <= last && row < objects.size(); ++row) {
-            QObject* object = objects.at(row);
+        for (QObject* object : rows(first, last)) {
             if (object == nullptr)
                 continue;
             // A dying channel is found by its pointer alone, and its connections die with it.
@@ -523,19 +558,15 @@ void QChannelListModel::onObjectsAboutToBeRemoved(int first, int last)
                     continue;
                 removed.append(channel);
                 if (channel->ferrinChannel()) {
-                    const auto found = m_channels_by_id.find(channel->ferrinChannel()->getChannelId());
-                    if (found != m_channels_by_id.end() && found->second == channel) {
-                        m_channels_by_id.erase(found);
+                    const channel_config::ChannelID id = channel->ferrinChannel()->getChannelId();
+                    const auto found = m_channels_by_hash.find(id);
+                    if (found != m_channels_by_hash.end() && found->second == channel) {
+                        dropIdEntry(id);
                         continue;
                     }
                 }
             }
-            for (auto it = m_channels_by_id.begin(); it != m_channels_by_id.end(); ++it) {
-                if (it->second == object) {
-                    m_channels_by_id.erase(it);
-                    break;
-                }
-            }
+            eraseIdEntryOf(object);
         }
     }
     for (QChannel* channel : qAsConst(removed))
@@ -579,13 +610,8 @@ void QChannelListModel::onFerrinChannelChanged(channel_config::ChannelID channel
         if (channelOf(channel_id) == nullptr && sender_object && indexOf(sender_object) >= 0) {
             auto* channel = qobject_cast<QChannel*>(sender_object);
             const std::unique_lock<std::shared_mutex> ids(m_id_lock);
-            for (auto it = m_channels_by_id.begin(); it != m_channels_by_id.end(); ++it) {
-                if (it->second == channel) {
-                    m_channels_by_id.erase(it);
-                    break;
-                }
-            }
-            m_channels_by_id[channel_id] = channel;
+            eraseIdEntryOf(channel);
+            putIdEntry(channel_id, channel);
         }
     }
     emit ferrinChannelChanged(channel_id);
@@ -617,11 +643,12 @@ void QChannelListModel::beginBatchOperation()
 {
     if (!onModelThread()) {
         QThread* const caller = QThread::currentThread();
-        syncHop();
-        checkHop(QMetaObject::invokeMethod(this, "beginBatchOperationWithCache", Qt::BlockingQueuedConnection,
-                                           Q_ARG(QThread*, caller)),
-                 BEGIN_BATCH_CALL, __LINE__);
-        syncHop();
+        hop(
+            [&] {
+                return QMetaObject::invokeMethod(this, "beginBatchOperationWithCache",
+                                                 Qt::BlockingQueuedConnection, Q_ARG(QThread*, caller));
+            },
+            BEGIN_BATCH_CALL, __LINE__);
         return;
     }
     beginBatchOperationWithCache(QThread::currentThread());
@@ -631,11 +658,12 @@ void QChannelListModel::endBatchOperation()
 {
     if (!onModelThread()) {
         QThread* const caller = QThread::currentThread();
-        syncHop();
-        checkHop(QMetaObject::invokeMethod(this, "endBatchOperationAndUpdateWithCache",
-                                           Qt::BlockingQueuedConnection, Q_ARG(QThread*, caller)),
-                 END_BATCH_CALL, __LINE__);
-        syncHop();
+        hop(
+            [&] {
+                return QMetaObject::invokeMethod(this, "endBatchOperationAndUpdateWithCache",
+                                                 Qt::BlockingQueuedConnection, Q_ARG(QThread*, caller));
+            },
+            END_BATCH_CALL, __LINE__);
         return;
     }
     endBatchOperationAndUpdateWithCache(QThread::currentThread());
@@ -643,13 +671,15 @@ void QChannelListModel::endBatchOperation()
 
 void QChannelListModel::beginBatchOperationWithCache(QThread* thread)
 {
-    IdMap now = snapshot();
-    const auto stored = m_batch_snapshots.find(thread);
-    if (stored == m_batch_snapshots.end()) {
-        m_batch_snapshots.emplace(thread, std::move(now));
-    } else if (stored->second != now) {
-        m_list_changed = true;
-        stored->second = std::move(now);
+    {
+        const std::shared_lock<std::shared_mutex> ids(m_id_lock);
+        const auto stored = m_batch_snapshots.find(thread);
+        if (stored == m_batch_snapshots.end()) {
+            m_batch_snapshots.emplace(thread, m_channels_by_id);
+        } else if (stored->second != m_channels_by_id) {
+            m_list_changed = true;
+            stored->second = m_channels_by_id;
+        }
     }
     if (++m_num_of_batch_operations == 1)
         blockSignals(true);
@@ -659,10 +689,13 @@ void QChannelListModel::endBatchOperationAndUpdateWithCache(QThread* thread)
 {
     if (!UNI_ASSERT(m_num_of_batch_operations > 0))
         return;
-    const auto stored = m_batch_snapshots.find(thread);
-    // A thread that closes a batch it did not open cannot tell: a reset is always right.
-    if (stored == m_batch_snapshots.end() || stored->second != snapshot())
-        m_list_changed = true;
+    {
+        const std::shared_lock<std::shared_mutex> ids(m_id_lock);
+        const auto stored = m_batch_snapshots.find(thread);
+        // A thread that closes a batch it did not open cannot tell: a reset is always right.
+        if (stored == m_batch_snapshots.end() || stored->second != m_channels_by_id)
+            m_list_changed = true;
+    }
     if (--m_num_of_batch_operations > 0)
         return;
     m_batch_snapshots.clear();
@@ -694,11 +727,12 @@ void QChannelListModel::notify(ferrin::NotificationType type, std::shared_ptr<fe
             applyPendingChannelNotifications();
             return;
         }
-        syncHop();
-        checkHop(
-            QMetaObject::invokeMethod(this, "applyPendingChannelNotifications", Qt::BlockingQueuedConnection),
+        hop(
+            [&] {
+                return QMetaObject::invokeMethod(this, "applyPendingChannelNotifications",
+                                                 Qt::BlockingQueuedConnection);
+            },
             APPLY_CALL, __LINE__);
-        syncHop();
         return;
     }
     // One start request on its way is enough; restarting a running timer on every
@@ -723,11 +757,12 @@ bool QChannelListModel::hasPendingChannelNotifications() const
 void QChannelListModel::applyPendingChannelNotifications()
 {
     if (!onModelThread()) {
-        syncHop();
-        checkHop(
-            QMetaObject::invokeMethod(this, "applyPendingChannelNotifications", Qt::BlockingQueuedConnection),
+        hop(
+            [&] {
+                return QMetaObject::invokeMethod(this, "applyPendingChannelNotifications",
+                                                 Qt::BlockingQueuedConnection);
+            },
             APPLY_CALL, __LINE__);
-        syncHop();
         return;
     }
     // A message sent from a slot while messages are applied waits for the next pass.

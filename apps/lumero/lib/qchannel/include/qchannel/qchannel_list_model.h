@@ -23,6 +23,7 @@
 #include <memory>
 #include <mutex>
 #include <shared_mutex>
+#include <unordered_map>
 #include <vector>
 
 class QEvent;
@@ -169,12 +170,26 @@ private:
     /// not see Qt's own hand-over: called by the caller around the call, and by the
     /// model's thread around running it.
     void syncHop() const;
-    /// The id map as it stands, under the shared id lock.
-    IdMap snapshot() const;
+    /// Runs @p invoke, a blocking call into the model's thread, between two syncHop();
+    /// a refused call is reported with @p call as its condition.
+    template <typename Invoke>
+    void hop(Invoke invoke, const char* call, int line) const;
+    /// Whether @p channel itself is in the list (its id leads to it).
+    bool isListed(const QChannel* channel) const;
     /// The channel of @p id without taking the list lock; the id lock is taken.
     QChannel* channelOf(channel_config::ChannelID id) const;
     /// The row of the channel under @p id, -1 when none.
     int rowOf(channel_config::ChannelID id) const;
+    /// The objects of rows @p first to @p last (clipped to the list).
+    QList<QObject*> rows(int first, int last) const;
+    // The id map and its hashed twin change together; the caller holds the id lock
+    // exclusively.
+    void putIdEntry(channel_config::ChannelID id, QChannel* channel);
+    void dropIdEntry(channel_config::ChannelID id);
+    void clearIdEntries();
+    /// Drops the id entry that points at @p channel, found by the pointer alone; the
+    /// caller holds the id lock exclusively.
+    void eraseIdEntryOf(const QObject* channel);
     void connectChannel(QChannel* channel);
     void disconnectChannel(QChannel* channel);
     /// Moves @p object into the model's thread if the calling thread may push it.
@@ -199,6 +214,9 @@ private:
     mutable std::recursive_mutex m_list_lock;
     mutable std::shared_mutex m_id_lock;
     IdMap m_channels_by_id;
+    /// The same entries for the look-up by id, which runs on every position update:
+    /// constant time however long the list.
+    std::unordered_map<channel_config::ChannelID, QChannel*> m_channels_by_hash;
     std::vector<PendingNotification> m_pending_notifications;
     bool m_pending_flag = false;
     QTimer m_notification_timer;
