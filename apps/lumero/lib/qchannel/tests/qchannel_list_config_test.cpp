@@ -10,6 +10,7 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -272,6 +273,31 @@ TEST_F(ChannelListConfigTest, ItemChangesReachTheListAndTheRowsOfTheirChannels)
     ASSERT_EQ(data.count(), 2);
     EXPECT_EQ(data.at(1).at(0).toModelIndex().row(), 0);
     EXPECT_EQ(in_list.count(), 2);
+}
+
+TEST(ChannelListItemChanges, AChangeMadeOnTheCoresThreadArrivesOnTheModelsThread)
+{
+    lum::data::MemoryChannelConfigManager manager;
+    QChannelListModel list(QChannelListModel::DELIVERY_QUEUED, true);
+    uni_testing::attachModelTester(&list);
+    const ChannelPtr channel = makeChannel({ChannelID(5, 1), "a", {}, false, &manager});
+    manager.addChannel(channel);
+    list.appendChannel(new QChannel(channel));
+    QSignalSpy in_list(&list, &QChannelListModel::configItemInListChanged);
+    ASSERT_TRUE(in_list.isValid());
+
+    std::thread core([&] {
+        ferrin_config::ConfigRequests requests{
+            {ChannelID(5, 1), "Ferrin/Name", config_items::StringConfigItem("b")}};
+        EXPECT_TRUE(manager.applyConfigRequests(requests, 0, true, false, false));
+    });
+    core.join();
+    EXPECT_EQ(in_list.count(), 0) << "queued to the model's thread";
+
+    ASSERT_TRUE(spinUntil([&] { return in_list.count() == 1; }));
+    EXPECT_EQ(in_list.at(0).at(0).value<ChannelID>(), ChannelID(5, 1));
+    EXPECT_EQ(in_list.at(0).at(1).toString(), "Ferrin/Name");
+    EXPECT_EQ(list.getChannelByName("b"), list.getChannelByIndex(0));
 }
 
 } // namespace

@@ -101,7 +101,8 @@ public:
     /// Key i takes values[i % values.count()]; a null value skips its key.
     Q_INVOKABLE bool setConfigItems(const QStringList& keys, const QVariantList& values);
     Q_INVOKABLE bool isChannelActionAvailable(const QString& key) const;
-    /// Runs the action for all channels on the global thread pool, one at a time.
+    /// Runs the action for all channels in one call of the config manager, on the
+    /// global thread pool; skipped (and logged) while the previous one runs.
     Q_INVOKABLE void applyChannelAction(const QString& key, double time);
     Q_INVOKABLE void waitForChannelActionFinished();
     bool channelActionInProgress() const;
