@@ -1,5 +1,6 @@
 #include "config_item_conversion.h"
 
+#include <config_items/parse_string_visitor.h>
 #include <uni_base/uni_assert.h>
 
 #include <QStringList>
@@ -99,6 +100,24 @@ std::optional<channel_config::ConfigItemVariant> variantToConfigItem(const QVari
         UNI_FAIL("Unknown object type in QVariant.");
         return std::nullopt;
     }
+}
+
+std::optional<ferrin::ConfigItem> itemForValue(const ferrin::Channel& channel, const std::string& key,
+                                               const QVariant& value)
+{
+    if (value.type() == QVariant::String && channel.hasConfigItem(key)) {
+        ferrin::ConfigItem current = channel.getConfigItem(key);
+        if (!std::holds_alternative<config_items::InvalidConfigItem>(current) &&
+            !std::holds_alternative<config_items::StringConfigItem>(current)) {
+            try {
+                if (channel_config::ParseStringVisitor().parse(value.toString().toStdString(), current))
+                    return current;
+            } catch (const std::exception&) {
+                // Refused by the typed parser: the plain conversion below decides.
+            }
+        }
+    }
+    return variantToConfigItem(value);
 }
 
 } // namespace lum::qchannel::detail

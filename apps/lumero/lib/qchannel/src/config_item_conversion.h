@@ -1,10 +1,12 @@
 #pragma once
 
 #include <config_items/config_item_variant.h>
+#include <ferrin_core/channel.h>
 
 #include <QVariant>
 
 #include <optional>
+#include <string>
 
 namespace lum::qchannel::detail {
 
@@ -17,5 +19,11 @@ QVariant configItemToVariant(const channel_config::ConfigItemVariant& item);
 /// double, QString, QStringList. Anything else is asserted ("Unknown object type in
 /// QVariant.") and gives nothing.
 std::optional<channel_config::ConfigItemVariant> variantToConfigItem(const QVariant& value);
+
+/// The typed item for @p value under @p key of @p channel: a text is first read by the
+/// parser of the item the channel holds, so that "12.5 mV" stays a scalar; anything
+/// else, and text that parser refuses, takes the plain conversion.
+std::optional<ferrin::ConfigItem> itemForValue(const ferrin::Channel& channel, const std::string& key,
+                                               const QVariant& value);
 
 } // namespace lum::qchannel::detail

@@ -1,6 +1,7 @@
 #include <qchannel/qchannel.h>
 
 #include "config_item_conversion.h"
+#include "pool_task.h"
 
 #include <qchannel/qbus_message.h>
 #include <qchannel/qcomplex_sample.h>
@@ -55,39 +56,6 @@ bool hasPrefix(const std::string& key, const char* prefix)
 {
     return key.rfind(prefix, 0) == 0;
 }
-
-/// One channel action on the thread pool. It holds its own reference to the channel, so
-/// that a replacement of the channel meanwhile does not pull it away under the action.
-/// The hand-over to the pool thread is published through an atomic as well: the
-/// pool's own locking is invisible to the race checker.
-class ActionTask : public QRunnable
-{
-public:
-    ActionTask(std::shared_ptr<ferrin::Channel> channel, std::string key, double time)
-        : m_channel(std::move(channel)), m_key(std::move(key)), m_time(time)
-    {
-        setAutoDelete(true);
-        m_interface.reportStarted();
-        m_published.store(true, std::memory_order_release);
-    }
-
-    QFuture<void> future() { return m_interface.future(); }
-
-    void run() override
-    {
-        while (!m_published.load(std::memory_order_acquire)) {
-        }
-        m_channel->applyChannelAction(m_key, m_time);
-        m_interface.reportFinished();
-    }
-
-private:
-    std::shared_ptr<ferrin::Channel> m_channel;
-    std::string m_key;
-    double m_time;
-    QFutureInterface<void> m_interface;
-    std::atomic<bool> m_published{false};
-};
 
 } // namespace
 
@@ -455,31 +423,6 @@ QString QChannel::getConfigItemAsString(const QString& key) const
         channel_config::toString(m_ferrin_channel->getConfigItem(key.toStdString())));
 }
 
-namespace {
-
-/// The typed item for @p value under @p key: a text is first read by the parser of
-/// the item the channel holds, so that "12.5 mV" stays a scalar; anything else, and
-/// text that parser refuses, takes the plain conversion.
-std::optional<ferrin::ConfigItem> itemForValue(const ferrin::Channel& channel, const std::string& key,
-                                               const QVariant& value)
-{
-    if (value.type() == QVariant::String && channel.hasConfigItem(key)) {
-        ferrin::ConfigItem current = channel.getConfigItem(key);
-        if (!std::holds_alternative<config_items::InvalidConfigItem>(current) &&
-            !std::holds_alternative<config_items::StringConfigItem>(current)) {
-            try {
-                if (channel_config::ParseStringVisitor().parse(value.toString().toStdString(), current))
-                    return current;
-            } catch (const std::exception&) {
-                // Refused by the typed parser: the plain conversion below decides.
-            }
-        }
-    }
-    return detail::variantToConfigItem(value);
-}
-
-} // namespace
-
 bool QChannel::setConfigItem(const QString& key, const QVariant& value)
 {
     if (!m_ferrin_channel)
@@ -488,7 +431,7 @@ bool QChannel::setConfigItem(const QString& key, const QVariant& value)
                         qPrintable(key)))
         return false;
     const std::string std_key = key.toStdString();
-    const std::optional<ferrin::ConfigItem> item = itemForValue(*m_ferrin_channel, std_key, value);
+    const std::optional<ferrin::ConfigItem> item = detail::itemForValue(*m_ferrin_channel, std_key, value);
     if (!item)
         return false;
     return m_ferrin_channel->setConfigItem(std_key, *item);
@@ -505,7 +448,7 @@ bool QChannel::setConfigItems(const QVariantMap& values)
                             qPrintable(it.key())))
             return false;
         const std::string key = it.key().toStdString();
-        std::optional<ferrin::ConfigItem> item = itemForValue(*m_ferrin_channel, key, value);
+        std::optional<ferrin::ConfigItem> item = detail::itemForValue(*m_ferrin_channel, key, value);
         if (!item)
             return false;
         requests.push_back(
@@ -799,18 +742,10 @@ void QChannel::applyChannelAction(const QString& key, double time)
                                   << " because there is already another action in progress!";
         return;
     }
-    QThreadPool* pool = QThreadPool::globalInstance();
-    if (pool) {
-        auto* task = new ActionTask(m_ferrin_channel, key.toStdString(), time);
-        m_action_future = task->future();
-        pool->start(task);
-    } else {
-        QFutureInterface<void> refused;
-        refused.reportStarted();
-        refused.reportCanceled();
-        refused.reportFinished();
-        m_action_future = refused.future();
-    }
+    // The task holds its own reference to the channel, so that a replacement of the
+    // channel meanwhile does not pull it away under the action.
+    m_action_future = detail::runOnGlobalPool<void>([channel = m_ferrin_channel, std_key = key.toStdString(),
+                                                     time] { channel->applyChannelAction(std_key, time); });
     m_action_watcher.setFuture(m_action_future);
     emit channelActionInProgressChanged();
 }

@@ -211,7 +211,8 @@ public:
     void onChannelConfigItemChanged(channel_config::ChannelID channel_id, const QString& key);
 
 signals:
-    void destroying(QChannel* channel);
+    // Spelt out in full: lists connect to it by its signature text.
+    void destroying(lum::qchannel::QChannel* channel);
     void minValChanged();
     void maxValChanged();
     void configItemChanged(channel_config::ChannelID channel_id, QString key);
