@@ -1,0 +1,280 @@
+#include "spreadsheet_test_tables.h"
+
+#include <lum_utils/spreadsheet_ml_builder.h>
+
+#include <uni_testing/assert_capture.h>
+
+#include <gtest/gtest.h>
+#include <pugixml.hpp>
+
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <vector>
+
+using lum_utils::SpreadsheetMLBuilder;
+using lum_utils_test::oneRowOfNumbers;
+using lum_utils_test::writeSmallTable;
+
+namespace {
+
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double INF = std::numeric_limits<double>::infinity();
+
+const std::string HEADER =
+    "<?xml version=\"1.0\"?><?mso-application progid=\"Excel.Sheet\"?>"
+    "<Workbook xmlns=\"urn:schemas-microsoft-com:office:spreadsheet\""
+    " xmlns:o=\"urn:schemas-microsoft-com:office:office\" xmlns:x=\"urn:schemas-microsoft-com:office:excel\""
+    " xmlns:ss=\"urn:schemas-microsoft-com:office:spreadsheet\" "
+    "xmlns:html=\"http://www.w3.org/TR/REC-html40\">";
+const std::string FOOTER = "</Table></Worksheet></Workbook>";
+
+std::string tableStart(const std::string& name, unsigned columns, unsigned rows)
+{
+    return HEADER + "<Worksheet ss:Name=\"" + name + "\">  <Table ss:ExpandedColumnCount=\"" +
+           std::to_string(columns) + "\" ss:ExpandedRowCount=\"" + std::to_string(rows) + "\">\n";
+}
+
+std::string stringCell(const std::string& text)
+{
+    return "<Cell><Data ss:Type=\"String\">" + text + "</Data></Cell>";
+}
+
+std::string numberCell(const std::string& text)
+{
+    return "<Cell><Data ss:Type=\"Number\">" + text + "</Data></Cell>";
+}
+
+const std::string EMPTY_CELL = "<Cell></Cell>";
+
+/// A cell as read back: its type ("" for an empty cell) and text.
+struct ReadCell
+{
+    std::string type;
+    std::string text;
+};
+
+/// Parses @p xml and returns the cells of each row, failing the test if it is not well-formed.
+std::vector<std::vector<ReadCell>> readBack(const std::string& xml, pugi::xml_document& doc)
+{
+    const pugi::xml_parse_result parsed =
+        doc.load_buffer(xml.data(), xml.size(), pugi::parse_default | pugi::parse_pi);
+    EXPECT_TRUE(parsed) << parsed.description() << " at " << parsed.offset;
+    std::vector<std::vector<ReadCell>> rows;
+    for (const pugi::xml_node row : doc.child("Workbook").child("Worksheet").child("Table").children("Row")) {
+        rows.emplace_back();
+        for (const pugi::xml_node cell : row.children("Cell")) {
+            const pugi::xml_node data = cell.child("Data");
+            rows.back().push_back({data.attribute("ss:Type").value(), data.text().get()});
+        }
+    }
+    return rows;
+}
+
+} // namespace
+
+TEST(SpreadsheetMLBuilder, SmallTable)
+{
+    SpreadsheetMLBuilder xml;
+    writeSmallTable(xml);
+    const std::string text = tableStart("Sheet", 3, 2) + "<Row>" + stringCell("name") + numberCell("1.5") +
+                             EMPTY_CELL + "</Row>\n" + "<Row>" + stringCell("x") + numberCell("-2") +
+                             numberCell("1e+20") + "</Row>\n" + FOOTER;
+    EXPECT_EQ(xml.toString(), text);
+    EXPECT_EQ(xml.size(), text.size());
+    EXPECT_STREQ(xml.data(), text.c_str());
+}
+
+TEST(SpreadsheetMLBuilder, ShortRowIsPaddedWithEmptyCells)
+{
+    SpreadsheetMLBuilder xml;
+    xml.startTable("t", 4, 2);
+    xml.beginRow();
+    xml.addCell("a");
+    xml.endRow();
+    xml.beginRow();
+    xml.endRow();
+    xml.endTable();
+    EXPECT_EQ(xml.toString(), tableStart("t", 4, 2) + "<Row>" + stringCell("a") + EMPTY_CELL + EMPTY_CELL +
+                                  EMPTY_CELL + "</Row>\n<Row>" + EMPTY_CELL + EMPTY_CELL + EMPTY_CELL +
+                                  EMPTY_CELL + "</Row>\n" + FOOTER);
+}
+
+TEST(SpreadsheetMLBuilder, NaNIsAnEmptyCellCountedAsOne)
+{
+    uni_testing::AssertCapture asserts;
+    const std::string row = "<Row>" + EMPTY_CELL + numberCell("1") + EMPTY_CELL + "</Row>\n";
+    EXPECT_EQ(oneRowOfNumbers<SpreadsheetMLBuilder>({NaN, 1.0, -NaN}), tableStart("t", 3, 1) + row + FOOTER);
+    // Had the NaN not been counted, the padding would have added a fourth cell or an assertion fired.
+    EXPECT_EQ(asserts.size(), 0u);
+}
+
+TEST(SpreadsheetMLBuilder, NumbersHaveTwentySignificantDigits)
+{
+    const std::string row = "<Row>" + numberCell("0.10000000000000000555") + numberCell("-0") +
+                            numberCell("inf") + numberCell("-inf") +
+                            numberCell("1.0000000000000000525e+300") +
+                            numberCell("4.9406564584124654418e-324") + numberCell("123456789") + "</Row>\n";
+    EXPECT_EQ(oneRowOfNumbers<SpreadsheetMLBuilder>({0.1, -0.0, INF, -INF, 1e300, 5e-324, 123456789.0}),
+              tableStart("t", 7, 1) + row + FOOTER);
+}
+
+TEST(SpreadsheetMLBuilder, TextIsXmlEscaped)
+{
+    SpreadsheetMLBuilder xml;
+    xml.startTable("t", 3, 1);
+    xml.beginRow();
+    xml.addCell("a<b");
+    xml.addCell("\"'<>&\n\t\r");
+    xml.addCell("Gr\xC3\xB6\xC3\x9F"
+                "e \xE2\x82\xAC");
+    xml.endRow();
+    xml.endTable();
+    // Tab and carriage return are not among the escaped characters.
+    EXPECT_EQ(xml.toString(), tableStart("t", 3, 1) + "<Row>" + stringCell("a&lt;b") +
+                                  stringCell("&quot;&apos;&lt;&gt;&amp;&#xA;\t\r") +
+                                  stringCell("Gr\xC3\xB6\xC3\x9F"
+                                             "e \xE2\x82\xAC") +
+                                  "</Row>\n" + FOOTER);
+}
+
+TEST(SpreadsheetMLBuilder, EmptyTable)
+{
+    SpreadsheetMLBuilder xml;
+    xml.startTable("empty", 0, 0);
+    xml.endTable();
+    EXPECT_EQ(xml.toString(), tableStart("empty", 0, 0) + FOOTER);
+    pugi::xml_document doc;
+    EXPECT_TRUE(readBack(xml.toString(), doc).empty());
+}
+
+TEST(SpreadsheetMLBuilder, SetDimensionsReplacesBothCounts)
+{
+    uni_testing::AssertCapture asserts;
+    SpreadsheetMLBuilder xml;
+    xml.startTable("t", 1, 1);
+    xml.setDimensions(2, 2);
+    for (int row = 0; row < 2; ++row) {
+        xml.beginRow();
+        xml.addCell(1.0);
+        xml.addCell(2.0);
+        xml.endRow();
+    }
+    xml.endTable();
+    EXPECT_EQ(asserts.size(), 0u);
+}
+
+TEST(SpreadsheetMLBuilder, OutputParsesAndCellsReadBackEqual)
+{
+    const std::vector<std::string> texts = {"plain",
+                                            "a<b>&c",
+                                            "quote \" and ' apostrophe",
+                                            "two\nlines",
+                                            "\xC3\xA4\xC3\xB6\xC3\xBC \xE2\x82\xAC \xF0\x9F\x9A\x97",
+                                            ""};
+    const std::vector<double> numbers = {
+        0.0, -0.0, 0.1, -1.0 / 3.0, 1e300, -1e-300, 5e-324, 1.7976931348623157e308, 2.2250738585072014e-308};
+    SpreadsheetMLBuilder xml;
+    xml.startTable("Name with \"quotes\" & <tags>", static_cast<std::uint32_t>(numbers.size()), 2);
+    xml.beginRow();
+    for (const std::string& text : texts)
+        xml.addCell(text);
+    xml.endRow();
+    xml.beginRow();
+    for (const double value : numbers)
+        xml.addCell(value);
+    xml.endRow();
+    xml.endTable();
+
+    pugi::xml_document doc;
+    const auto rows = readBack(xml.toString(), doc);
+    const pugi::xml_node workbook = doc.child("Workbook");
+    EXPECT_STREQ(workbook.attribute("xmlns").value(), "urn:schemas-microsoft-com:office:spreadsheet");
+    EXPECT_STREQ(workbook.attribute("xmlns:html").value(), "http://www.w3.org/TR/REC-html40");
+    EXPECT_STREQ(doc.find_child([](pugi::xml_node node) { return node.type() == pugi::node_pi; }).name(),
+                 "mso-application");
+    EXPECT_STREQ(workbook.child("Worksheet").attribute("ss:Name").value(), "Name with \"quotes\" & <tags>");
+    const pugi::xml_node table = workbook.child("Worksheet").child("Table");
+    EXPECT_EQ(table.attribute("ss:ExpandedColumnCount").as_uint(), numbers.size());
+    EXPECT_EQ(table.attribute("ss:ExpandedRowCount").as_uint(), 2u);
+
+    ASSERT_EQ(rows.size(), 2u);
+    ASSERT_EQ(rows[0].size(), numbers.size());
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        EXPECT_EQ(rows[0][i].type, "String") << i;
+        EXPECT_EQ(rows[0][i].text, texts[i]) << i;
+    }
+    for (std::size_t i = texts.size(); i < numbers.size(); ++i)
+        EXPECT_EQ(rows[0][i].type, "") << "padding cell " << i;
+    ASSERT_EQ(rows[1].size(), numbers.size());
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        EXPECT_EQ(rows[1][i].type, "Number") << i;
+        const double read = std::strtod(rows[1][i].text.c_str(), nullptr);
+        EXPECT_EQ(read, numbers[i]) << rows[1][i].text;
+        EXPECT_EQ(std::signbit(read), std::signbit(numbers[i])) << rows[1][i].text;
+    }
+}
+
+TEST(SpreadsheetMLBuilder, CellPastTheLastColumnOrRowAsserts)
+{
+    {
+        uni_testing::AssertCapture asserts;
+        SpreadsheetMLBuilder xml;
+        xml.startTable("t", 1, 1);
+        xml.beginRow();
+        xml.addCell("a");
+        EXPECT_EQ(asserts.size(), 0u);
+        xml.addCell("b");
+        EXPECT_TRUE(asserts.fired("m_current_col != -1 && m_current_col < m_cols"));
+        xml.endRow();
+        // Nothing is dropped: the extra cell is in the text.
+        EXPECT_NE(xml.toString().find(stringCell("b")), std::string::npos);
+    }
+    {
+        uni_testing::AssertCapture asserts;
+        SpreadsheetMLBuilder xml;
+        xml.startTable("t", 1, 1);
+        xml.beginRow();
+        xml.addCell(1.0);
+        xml.endRow();
+        EXPECT_EQ(asserts.size(), 0u);
+        xml.beginRow();
+        xml.addEmptyCell();
+        EXPECT_TRUE(asserts.fired("m_current_row < m_rows"));
+        asserts.clear();
+        xml.endRow();
+        EXPECT_TRUE(asserts.fired("m_current_row < m_rows"));
+    }
+}
+
+TEST(SpreadsheetMLBuilder, CellOutsideARowAsserts)
+{
+    uni_testing::AssertCapture asserts;
+    SpreadsheetMLBuilder xml;
+    xml.startTable("t", 2, 1);
+    xml.addCell(1.0);
+    EXPECT_TRUE(asserts.fired("m_current_col != -1 && m_current_col < m_cols"));
+    ASSERT_EQ(asserts.size(), 1u);
+    const std::string file = asserts.records().front().file;
+    const std::string expected_source =
+        "apps/lumero/lib/lum_utils/src/lum_utils_simple_spreadsheet_builder.cpp";
+    ASSERT_GE(file.size(), expected_source.size());
+    EXPECT_EQ(file.substr(file.size() - expected_source.size()), expected_source);
+}
+
+TEST(SpreadsheetMLBuilder, EndTableInsideARowAssertsAndClosesIt)
+{
+    uni_testing::AssertCapture asserts;
+    SpreadsheetMLBuilder xml;
+    xml.startTable("t", 2, 1);
+    xml.beginRow();
+    xml.addCell("open");
+    xml.endTable();
+    EXPECT_TRUE(asserts.fired("m_current_col == -1"));
+    EXPECT_EQ(xml.toString(),
+              tableStart("t", 2, 1) + "<Row>" + stringCell("open") + EMPTY_CELL + "</Row>\n" + FOOTER);
+    pugi::xml_document doc;
+    const auto rows = readBack(xml.toString(), doc);
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0][0].text, "open");
+}
