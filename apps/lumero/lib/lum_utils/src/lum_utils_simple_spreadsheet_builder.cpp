@@ -136,14 +136,14 @@ void TXTBuilder::beginRow()
 
 void TXTBuilder::endRow()
 {
-    m_text.append("\r\n", 2);
+    m_text.appendLiteral("\r\n");
     m_row_has_cell = false;
 }
 
 void TXTBuilder::beginCell()
 {
     if (m_row_has_cell)
-        m_text.append("\t", 1);
+        m_text.appendLiteral("\t");
     m_row_has_cell = true;
 }
 
@@ -178,17 +178,17 @@ std::string TXTBuilder::toString() const
 
 void DIFBuilder::startTable(const std::string& /*name*/, std::uint32_t columns, std::uint32_t rows)
 {
-    m_text.append(std::string("TABLE\r\n0,1\r\n\"EXCEL\"\r\n"));
+    m_text.appendLiteral("TABLE\r\n0,1\r\n\"EXCEL\"\r\n");
     m_text.appendFormat("VECTORS\r\n0,%u\r\n\"\"\r\n", static_cast<unsigned>(columns));
     m_text.appendFormat("TUPLES\r\n0,%u\r\n\"\"\r\n", static_cast<unsigned>(rows));
-    m_text.append(std::string("DATA\r\n0,0\r\n\"\"\r\n"));
+    m_text.appendLiteral("DATA\r\n0,0\r\n\"\"\r\n");
 }
 
 void DIFBuilder::setDimensions(std::uint32_t /*columns*/, std::uint32_t /*rows*/) {}
 
 void DIFBuilder::beginRow()
 {
-    m_text.append(std::string("-1,0\r\nBOT\r\n"));
+    m_text.appendLiteral("-1,0\r\nBOT\r\n");
 }
 
 void DIFBuilder::endRow() {}
@@ -196,9 +196,9 @@ void DIFBuilder::endRow() {}
 void DIFBuilder::addCell(const std::string& text)
 {
     // Written as it stands: the format has no escape for quotes.
-    m_text.append(std::string("1,0\r\n\""));
+    m_text.appendLiteral("1,0\r\n\"");
     m_text.append(text);
-    m_text.append(std::string("\"\r\n"));
+    m_text.appendLiteral("\"\r\n");
 }
 
 void DIFBuilder::addCell(double value)
@@ -208,12 +208,12 @@ void DIFBuilder::addCell(double value)
 
 void DIFBuilder::addEmptyCell()
 {
-    m_text.append(std::string("1,0\r\n\"\"\r\n"));
+    m_text.appendLiteral("1,0\r\n\"\"\r\n");
 }
 
 void DIFBuilder::endTable()
 {
-    m_text.append(std::string("-1,0\r\nEOD\r\n"));
+    m_text.appendLiteral("-1,0\r\nEOD\r\n");
 }
 
 std::string DIFBuilder::toString() const
@@ -277,8 +277,8 @@ void SpreadsheetMLBuilder::startTable(const std::string& name, std::uint32_t col
     m_rows = rows;
     m_current_col = -1;
     m_current_row = -1;
-    m_text.append(SPREADSHEET_ML_HEADER, sizeof(SPREADSHEET_ML_HEADER) - 1);
-    m_text.append(std::string("<Worksheet ss:Name=\""));
+    m_text.appendLiteral(SPREADSHEET_ML_HEADER);
+    m_text.appendLiteral("<Worksheet ss:Name=\"");
     // Escaped so that any table name leaves the document well-formed.
     appendEscaped(name);
     m_text.appendFormat("\">  <Table ss:ExpandedColumnCount=\"%u\" ss:ExpandedRowCount=\"%u\">\n",
@@ -296,7 +296,7 @@ void SpreadsheetMLBuilder::beginRow()
     if (m_current_row == -1)
         m_current_row = 0;
     m_current_col = 0;
-    m_text.append(std::string("<Row>"));
+    m_text.appendLiteral("<Row>");
 }
 
 void SpreadsheetMLBuilder::checkCell() const
@@ -314,9 +314,9 @@ void SpreadsheetMLBuilder::nextColumn()
 void SpreadsheetMLBuilder::addCell(const std::string& text)
 {
     checkCell();
-    m_text.append(std::string("<Cell><Data ss:Type=\"String\">"));
+    m_text.appendLiteral("<Cell><Data ss:Type=\"String\">");
     appendEscaped(text);
-    m_text.append(std::string("</Data></Cell>"));
+    m_text.appendLiteral("</Data></Cell>");
     nextColumn();
 }
 
@@ -334,7 +334,7 @@ void SpreadsheetMLBuilder::addCell(double value)
 void SpreadsheetMLBuilder::addEmptyCell()
 {
     checkCell();
-    m_text.append(std::string("<Cell></Cell>"));
+    m_text.appendLiteral("<Cell></Cell>");
     nextColumn();
 }
 
@@ -342,8 +342,8 @@ void SpreadsheetMLBuilder::endRow()
 {
     UNI_ASSERT(m_current_row < m_rows);
     for (std::int64_t col = m_current_col < 0 ? 0 : m_current_col; col < m_cols; ++col)
-        m_text.append(std::string("<Cell></Cell>"));
-    m_text.append(std::string("</Row>\n"));
+        m_text.appendLiteral("<Cell></Cell>");
+    m_text.appendLiteral("</Row>\n");
     ++m_current_row;
     m_current_col = -1;
 }
@@ -353,7 +353,7 @@ void SpreadsheetMLBuilder::endTable()
     // An open row is closed so that the document stays well-formed.
     if (!UNI_ASSERT(m_current_col == -1))
         endRow();
-    m_text.append(std::string("</Table></Worksheet></Workbook>"));
+    m_text.appendLiteral("</Table></Worksheet></Workbook>");
 }
 
 std::string SpreadsheetMLBuilder::toString() const

@@ -1,4 +1,3 @@
-#include <lum_utils/dif_builder.h>
 #include <lum_utils/spreadsheet_text_buffer.h>
 
 #include <gtest/gtest.h>
@@ -78,14 +77,4 @@ TEST(SpreadsheetTextBuffer, FailedGrowthCutsFormattedOutputShort)
     EXPECT_TRUE(buffer.truncated());
     EXPECT_EQ(std::string(buffer.data()), std::string(40, 'a') + "012345678");
     EXPECT_EQ(buffer.size(), 49u);
-}
-
-TEST(SpreadsheetTextBuffer, BuilderSizeStillCountsTheNullWhenCutShort)
-{
-    lum_utils::DIFBuilder dif;
-    dif.startTable("t", 1000, 1000);
-    dif.endTable();
-    const std::string whole = dif.toString();
-    EXPECT_EQ(whole.size(), dif.size());
-    EXPECT_EQ(whole.back(), '\0');
 }

@@ -22,6 +22,12 @@ public:
 
     void append(const char* text, std::size_t length) noexcept;
     void append(const std::string& text) noexcept { append(text.data(), text.size()); }
+    /// A string literal, its length known at compile time.
+    template <std::size_t N>
+    void appendLiteral(const char (&text)[N]) noexcept
+    {
+        append(text, N - 1);
+    }
     void appendSpaces(std::size_t count) noexcept;
     /// printf-style output in the C locale, whatever the process locale is, so that
     /// numbers always carry a decimal point.
