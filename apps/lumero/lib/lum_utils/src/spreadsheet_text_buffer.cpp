@@ -2,8 +2,8 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
-#include <new>
 
 #if defined(__unix__) || defined(__APPLE__)
 #include <locale.h>
@@ -45,6 +45,11 @@ struct ScopedCLocale
 
 } // namespace
 
+void SpreadsheetTextBuffer::FreeDeleter::operator()(char* block) const noexcept
+{
+    std::free(block);
+}
+
 SpreadsheetTextBuffer::SpreadsheetTextBuffer() noexcept : m_data(m_inline)
 {
     m_inline[0] = '\0';
@@ -62,11 +67,20 @@ bool SpreadsheetTextBuffer::reserve(std::size_t needed) noexcept
     }
     if (capacity > m_capacity_limit)
         return false;
-    std::unique_ptr<char[]> heap(new (std::nothrow) char[capacity]);
-    if (!heap)
-        return false;
-    std::memcpy(heap.get(), m_data, m_size + 1);
-    m_heap = std::move(heap);
+    if (m_heap) {
+        // On failure realloc leaves the old block as it was.
+        char* grown = static_cast<char*>(std::realloc(m_heap.get(), capacity));
+        if (grown == nullptr)
+            return false;
+        static_cast<void>(m_heap.release());
+        m_heap.reset(grown);
+    } else {
+        char* block = static_cast<char*>(std::malloc(capacity));
+        if (block == nullptr)
+            return false;
+        std::memcpy(block, m_inline, m_size + 1);
+        m_heap.reset(block);
+    }
     m_data = m_heap.get();
     m_capacity = capacity;
     return true;

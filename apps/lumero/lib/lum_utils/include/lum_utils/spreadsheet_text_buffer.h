@@ -48,8 +48,14 @@ public:
 private:
     bool reserve(std::size_t needed) noexcept;
 
+    struct FreeDeleter
+    {
+        void operator()(char* block) const noexcept;
+    };
+
     char m_inline[INLINE_CAPACITY];
-    std::unique_ptr<char[]> m_heap;
+    // malloc'ed, so that growth can realloc: large blocks are remapped, not copied.
+    std::unique_ptr<char, FreeDeleter> m_heap;
     char* m_data;
     std::size_t m_capacity = INLINE_CAPACITY;
     std::size_t m_size = 0;
