@@ -4,7 +4,7 @@
 
 #include <lum_utils/csv_builder.h>
 #include <lum_utils/dif_builder.h>
-#include <lum_utils/simple_spreadsheet_builder_dispatcher.h>
+#include <lum_utils/spreadsheet_export.h>
 #include <lum_utils/spreadsheet_ml_builder.h>
 #include <lum_utils/txt_builder.h>
 
@@ -64,18 +64,11 @@ void BM_AllFormats(benchmark::State& state)
     table();
     std::int64_t bytes = 0;
     for (auto _ : state) {
-        lum_utils::SpreadsheetMLBuilder xml;
-        lum_utils::CSVBuilder csv;
-        lum_utils::TXTBuilder txt;
-        lum_utils::DIFBuilder dif;
-        lum_utils::SimpleSpreadsheetBuilderDispatcher dispatcher;
-        dispatcher.addBuilder(&xml);
-        dispatcher.addBuilder(&csv);
-        dispatcher.addBuilder(&txt);
-        dispatcher.addBuilder(&dif);
-        writeTable(dispatcher);
-        bytes += static_cast<std::int64_t>(xml.size() + csv.size() + txt.size() + dif.size());
-        benchmark::DoNotOptimize(xml.data());
+        lum_utils::SpreadsheetExport all;
+        writeTable(all.builder());
+        bytes += static_cast<std::int64_t>(all.xml().size() + all.csv().size() + all.txt().size() +
+                                           all.dif().size());
+        benchmark::DoNotOptimize(all.xml().data());
     }
     state.SetBytesProcessed(bytes);
 }

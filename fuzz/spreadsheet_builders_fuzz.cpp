@@ -1,10 +1,6 @@
 // Any cell texts and numbers: every format is written without a crash, and the XML
 // Spreadsheet output parses and gives back the cells that went in.
-#include <lum_utils/csv_builder.h>
-#include <lum_utils/dif_builder.h>
-#include <lum_utils/simple_spreadsheet_builder_dispatcher.h>
-#include <lum_utils/spreadsheet_ml_builder.h>
-#include <lum_utils/txt_builder.h>
+#include <lum_utils/spreadsheet_export.h>
 
 #include <pugixml.hpp>
 
@@ -85,14 +81,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
             has_null = has_null || (!cell.is_number && cell.text.find('\0') != std::string::npos);
     }
 
-    lum_utils::SpreadsheetMLBuilder xml;
-    lum_utils::CSVBuilder csv;
-    lum_utils::TXTBuilder txt(QLocale::c());
-    lum_utils::DIFBuilder dif;
-    lum_utils::SimpleSpreadsheetBuilderDispatcher dispatcher;
-    for (lum_utils::IfSimpleSpreadsheetBuilder* builder :
-         std::initializer_list<lum_utils::IfSimpleSpreadsheetBuilder*>{&xml, &csv, &txt, &dif})
-        dispatcher.addBuilder(builder);
+    lum_utils::SpreadsheetExport all(QLocale::c());
+    lum_utils::IfSimpleSpreadsheetBuilder& dispatcher = all.builder();
+    const lum_utils::SpreadsheetMLBuilder& xml = all.xml();
+    const lum_utils::CSVBuilder& csv = all.csv();
+    const lum_utils::TXTBuilder& txt = all.txt();
+    const lum_utils::DIFBuilder& dif = all.dif();
 
     dispatcher.startTable(rows.front().front().text, static_cast<std::uint32_t>(columns),
                           static_cast<std::uint32_t>(rows.size()));

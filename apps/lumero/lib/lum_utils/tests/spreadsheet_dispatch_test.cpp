@@ -3,6 +3,7 @@
 #include <lum_utils/csv_builder.h>
 #include <lum_utils/dif_builder.h>
 #include <lum_utils/simple_spreadsheet_builder_dispatcher.h>
+#include <lum_utils/spreadsheet_export.h>
 #include <lum_utils/spreadsheet_mime_data.h>
 #include <lum_utils/spreadsheet_ml_builder.h>
 #include <lum_utils/txt_builder.h>
@@ -20,6 +21,7 @@ using lum_utils::CSVBuilder;
 using lum_utils::DIFBuilder;
 using lum_utils::IfSimpleSpreadsheetBuilder;
 using lum_utils::SimpleSpreadsheetBuilderDispatcher;
+using lum_utils::SpreadsheetExport;
 using lum_utils::SpreadsheetMLBuilder;
 using lum_utils::TXTBuilder;
 using lum_utils_test::writeSmallTable;
@@ -127,71 +129,57 @@ TEST(SimpleSpreadsheetBuilderDispatcher, RefusesNullAndItself)
     writeSmallTable(dispatcher);
 }
 
-TEST(SimpleSpreadsheetBuilderDispatcher, FillsAllFormatsAsIfWrittenOneByOne)
+TEST(SpreadsheetExport, FillsAllFormatsAsIfWrittenOneByOne)
 {
+    SpreadsheetExport all(QLocale::c());
+    all.csv().setColumnSeparator(";");
+    writeSmallTable(all.builder());
+
     SpreadsheetMLBuilder xml;
     CSVBuilder csv;
+    csv.setColumnSeparator(";");
     TXTBuilder txt(QLocale::c());
     DIFBuilder dif;
-    SimpleSpreadsheetBuilderDispatcher dispatcher;
     for (IfSimpleSpreadsheetBuilder* builder :
          std::initializer_list<IfSimpleSpreadsheetBuilder*>{&xml, &csv, &txt, &dif})
-        dispatcher.addBuilder(builder);
-    writeSmallTable(dispatcher);
-
-    SpreadsheetMLBuilder xml_alone;
-    CSVBuilder csv_alone;
-    TXTBuilder txt_alone(QLocale::c());
-    DIFBuilder dif_alone;
-    for (IfSimpleSpreadsheetBuilder* builder :
-         std::initializer_list<IfSimpleSpreadsheetBuilder*>{&xml_alone, &csv_alone, &txt_alone, &dif_alone})
         writeSmallTable(*builder);
 
-    EXPECT_EQ(xml.toString(), xml_alone.toString());
-    EXPECT_EQ(csv.toString(), csv_alone.toString());
-    EXPECT_EQ(txt.toString(), txt_alone.toString());
-    EXPECT_EQ(dif.toString(), dif_alone.toString());
-    EXPECT_EQ(csv.toString(), "name\t1.5\t\r\nx\t-2\t1e+20\r\n");
+    EXPECT_EQ(all.xml().toString(), xml.toString());
+    EXPECT_EQ(all.csv().toString(), csv.toString());
+    EXPECT_EQ(all.txt().toString(), txt.toString());
+    EXPECT_EQ(all.dif().toString(), dif.toString());
+    EXPECT_EQ(all.csv().toString(), "name;1.5;\r\nx;-2;1e+20\r\n");
 }
 
-TEST(SpreadsheetMimeData, PutsEachFormatUnderItsClipboardName)
+TEST(SpreadsheetExport, PutsEachFormatUnderItsClipboardName)
 {
-    SpreadsheetMLBuilder xml;
-    CSVBuilder csv;
-    TXTBuilder txt(QLocale::c());
-    DIFBuilder dif;
-    SimpleSpreadsheetBuilderDispatcher dispatcher;
-    for (IfSimpleSpreadsheetBuilder* builder :
-         std::initializer_list<IfSimpleSpreadsheetBuilder*>{&xml, &csv, &txt, &dif})
-        dispatcher.addBuilder(builder);
-    writeSmallTable(dispatcher);
+    SpreadsheetExport all(QLocale::c());
+    writeSmallTable(all.builder());
 
     QMimeData mime;
-    lum_utils::fillSpreadsheetMimeData(mime, txt, dif, xml, csv);
+    all.fillMimeData(mime);
     EXPECT_EQ(mime.text(), QStringLiteral("name\t1.5\t\r\nx\t-2\t1e+20\r\n"));
     const QByteArray dif_bytes = mime.data(QStringLiteral("Data Interchange Format"));
-    EXPECT_EQ(dif_bytes.toStdString(), dif.toString());
+    EXPECT_EQ(dif_bytes.toStdString(), all.dif().toString());
     EXPECT_TRUE(dif_bytes.endsWith('\0'));
-    EXPECT_EQ(mime.data(QStringLiteral("XML Spreadsheet")).toStdString(), xml.toString());
+    EXPECT_EQ(mime.data(QStringLiteral("XML Spreadsheet")).toStdString(), all.xml().toString());
     EXPECT_EQ(mime.data(QStringLiteral("application/x-qt-windows-mime;value=\"Csv\"")).toStdString(),
-              csv.toString());
-    EXPECT_EQ(mime.data(QStringLiteral("Csv")).toStdString(), csv.toString());
+              all.csv().toString());
+    EXPECT_EQ(mime.data(QStringLiteral("Csv")).toStdString(), all.csv().toString());
 }
 
-TEST(SpreadsheetMimeData, AppendsToDataAlreadyThere)
+TEST(SpreadsheetExport, AppendsToMimeDataAlreadyThere)
 {
-    CSVBuilder csv;
-    csv.startTable("t", 1, 1);
-    csv.beginRow();
-    csv.addCell("new");
-    csv.endRow();
-    TXTBuilder txt(QLocale::c());
-    DIFBuilder dif;
-    SpreadsheetMLBuilder xml;
+    SpreadsheetExport all(QLocale::c());
+    all.builder().startTable("t", 1, 1);
+    all.builder().beginRow();
+    all.builder().addCell("new");
+    all.builder().endRow();
+    all.builder().endTable();
 
     QMimeData mime;
     mime.setData(QStringLiteral("Csv"), QByteArray("old\r\n"));
-    lum_utils::fillSpreadsheetMimeData(mime, txt, dif, xml, csv);
+    lum_utils::fillSpreadsheetMimeData(mime, all.txt(), all.dif(), all.xml(), all.csv());
     EXPECT_EQ(mime.data(QStringLiteral("Csv")), QByteArray("old\r\nnew\r\n"));
     EXPECT_EQ(mime.data(QStringLiteral("application/x-qt-windows-mime;value=\"Csv\"")),
               QByteArray("new\r\n"));

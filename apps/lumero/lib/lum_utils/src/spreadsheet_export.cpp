@@ -1,9 +1,5 @@
+#include <lum_utils/spreadsheet_export.h>
 #include <lum_utils/spreadsheet_mime_data.h>
-
-#include <lum_utils/csv_builder.h>
-#include <lum_utils/dif_builder.h>
-#include <lum_utils/spreadsheet_ml_builder.h>
-#include <lum_utils/txt_builder.h>
 
 #include <QByteArray>
 #include <QMimeData>
@@ -31,6 +27,29 @@ void fillSpreadsheetMimeData(QMimeData& mime, const TXTBuilder& txt, const DIFBu
     appendFormat(mime, QStringLiteral("XML Spreadsheet"), xml);
     appendFormat(mime, QStringLiteral("application/x-qt-windows-mime;value=\"Csv\""), csv);
     appendFormat(mime, QStringLiteral("Csv"), csv);
+}
+
+SpreadsheetExport::SpreadsheetExport()
+{
+    registerBuilders();
+}
+
+SpreadsheetExport::SpreadsheetExport(const QLocale& text_locale) : m_txt(text_locale)
+{
+    registerBuilders();
+}
+
+void SpreadsheetExport::registerBuilders()
+{
+    m_dispatcher.addBuilder(&m_xml);
+    m_dispatcher.addBuilder(&m_csv);
+    m_dispatcher.addBuilder(&m_txt);
+    m_dispatcher.addBuilder(&m_dif);
+}
+
+void SpreadsheetExport::fillMimeData(QMimeData& mime) const
+{
+    fillSpreadsheetMimeData(mime, m_txt, m_dif, m_xml, m_csv);
 }
 
 } // namespace lum_utils
