@@ -74,7 +74,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
 {
     const auto rows = split(reinterpret_cast<const char*>(bytes), size);
     std::size_t columns = 0;
-    bool has_null = false;
+    // The first cell's bytes name the table, whatever the cell holds.
+    const std::string& name = rows.front().front().text;
+    bool has_null = name.find('\0') != std::string::npos;
     for (const auto& row : rows) {
         columns = std::max(columns, row.size());
         for (const Cell& cell : row)
@@ -88,8 +90,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const lum_utils::TXTBuilder& txt = all.txt();
     const lum_utils::DIFBuilder& dif = all.dif();
 
-    dispatcher.startTable(rows.front().front().text, static_cast<std::uint32_t>(columns),
-                          static_cast<std::uint32_t>(rows.size()));
+    dispatcher.startTable(name, static_cast<std::uint32_t>(columns), static_cast<std::uint32_t>(rows.size()));
     dispatcher.setDimensions(static_cast<std::uint32_t>(columns), static_cast<std::uint32_t>(rows.size()));
     for (const auto& row : rows) {
         dispatcher.beginRow();
@@ -120,7 +121,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     if (!doc.load_buffer(text.data(), text.size(), pugi::parse_default | pugi::parse_ws_pcdata))
         std::abort();
     const pugi::xml_node worksheet = doc.child("Workbook").child("Worksheet");
-    if (asReadAttribute(rows.front().front().text) != worksheet.attribute("ss:Name").value())
+    if (asReadAttribute(name) != worksheet.attribute("ss:Name").value())
         std::abort();
     std::size_t row_index = 0;
     for (const pugi::xml_node row : worksheet.child("Table").children("Row")) {
