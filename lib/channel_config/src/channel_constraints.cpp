@@ -1,101 +1,7 @@
-#include <channel_config/boolean_constraints.h>
-#include <channel_config/channel_ids_constraint.h>
 #include <channel_config/config_constraints.h>
 #include <channel_config/file_path_constraint.h>
-#include <channel_config/item_link_constraints.h>
 
 namespace channel_config {
-
-using config_items::IfConfigItemConstraint;
-using config_items::detail::sameClassEquals;
-
-namespace {
-template <class Own>
-std::shared_ptr<IfConfigItemConstraint> cloneOf(const Own& self)
-{
-    return std::make_shared<Own>(self);
-}
-} // namespace
-
-bool ConfigurableDuringAcquisitionConstraint::equals(const IfConfigItemConstraint& other) const
-{
-    return sameClassEquals(*this, other);
-}
-
-std::shared_ptr<IfConfigItemConstraint> ConfigurableDuringAcquisitionConstraint::clone() const
-{
-    return cloneOf(*this);
-}
-
-bool ReadOnlyConstraint::equals(const IfConfigItemConstraint& other) const
-{
-    return sameClassEquals(*this, other);
-}
-
-std::shared_ptr<IfConfigItemConstraint> ReadOnlyConstraint::clone() const
-{
-    return cloneOf(*this);
-}
-
-bool DerivedValueConstraint::equals(const IfConfigItemConstraint& other) const
-{
-    return sameClassEquals(*this, other);
-}
-
-std::shared_ptr<IfConfigItemConstraint> DerivedValueConstraint::clone() const
-{
-    return cloneOf(*this);
-}
-
-bool IndependentConfigItemConstraint::equals(const IfConfigItemConstraint& other) const
-{
-    return sameClassEquals(*this, other);
-}
-
-std::shared_ptr<IfConfigItemConstraint> IndependentConfigItemConstraint::clone() const
-{
-    return cloneOf(*this);
-}
-
-bool FullyIndependentSampleRateConstraint::equals(const IfConfigItemConstraint& other) const
-{
-    return sameClassEquals(*this, other);
-}
-
-std::shared_ptr<IfConfigItemConstraint> FullyIndependentSampleRateConstraint::clone() const
-{
-    return cloneOf(*this);
-}
-
-bool DependentCfgItemConstraint::equals(const IfConfigItemConstraint& other) const
-{
-    return sameClassEquals(*this, other);
-}
-
-std::shared_ptr<IfConfigItemConstraint> DependentCfgItemConstraint::clone() const
-{
-    return cloneOf(*this);
-}
-
-bool CoupledValueItemConstraint::equals(const IfConfigItemConstraint& other) const
-{
-    return sameClassEquals(*this, other);
-}
-
-std::shared_ptr<IfConfigItemConstraint> CoupledValueItemConstraint::clone() const
-{
-    return cloneOf(*this);
-}
-
-bool ChannelIdsConstraint::equals(const IfConfigItemConstraint& other) const
-{
-    return sameClassEquals(*this, other);
-}
-
-std::shared_ptr<IfConfigItemConstraint> ChannelIdsConstraint::clone() const
-{
-    return cloneOf(*this);
-}
 
 const char* FilePathConstraint::selectionTypeName(SelectionType type)
 {
@@ -108,16 +14,6 @@ const char* FilePathConstraint::selectionTypeName(SelectionType type)
         return "Directory";
     }
     return "UNKNOWN";
-}
-
-bool FilePathConstraint::equals(const IfConfigItemConstraint& other) const
-{
-    return sameClassEquals(*this, other);
-}
-
-std::shared_ptr<IfConfigItemConstraint> FilePathConstraint::clone() const
-{
-    return cloneOf(*this);
 }
 
 bool ConfigConstraints::empty() const

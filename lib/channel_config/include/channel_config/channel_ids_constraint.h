@@ -9,7 +9,7 @@
 namespace channel_config {
 
 /// How many channels, of which type and dimension, a channel-list item may name.
-class ChannelIdsConstraint : public config_items::IfConfigItemConstraint
+class ChannelIdsConstraint : public config_items::ConstraintBase<ChannelIdsConstraint>
 {
 public:
     ChannelIdsConstraint(std::uint32_t max_count, std::uint32_t max_dimension, std::string channel_type)
@@ -23,9 +23,6 @@ public:
     {
         return {m_max_count, m_max_dimension, m_channel_type};
     }
-
-    bool equals(const config_items::IfConfigItemConstraint& other) const override;
-    std::shared_ptr<config_items::IfConfigItemConstraint> clone() const override;
 
 private:
     std::uint32_t m_max_count;

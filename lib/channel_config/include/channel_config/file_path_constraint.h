@@ -10,7 +10,7 @@
 namespace channel_config {
 
 /// How the file picker for a path item must look.
-class FilePathConstraint : public config_items::IfConfigItemConstraint
+class FilePathConstraint : public config_items::ConstraintBase<FilePathConstraint>
 {
 public:
     enum SelectionType : std::uint8_t
@@ -36,9 +36,6 @@ public:
 
     /// "Input", "Output" or "Directory"; "UNKNOWN" for a value outside the enumeration.
     static const char* selectionTypeName(SelectionType type);
-
-    bool equals(const config_items::IfConfigItemConstraint& other) const override;
-    std::shared_ptr<config_items::IfConfigItemConstraint> clone() const override;
 
 private:
     SelectionType m_selection_type;

@@ -12,34 +12,31 @@ namespace channel_config {
 /// Per channel, the configuration keys of that channel an item is tied to.
 using ChannelItemKeys = std::map<ChannelID, std::vector<std::string>>;
 
-/// Items whose allowed values change when this item changes.
-class DependentCfgItemConstraint : public config_items::IfConfigItemConstraint
+/// The keys, per channel, that an item is tied to; the subclass says how.
+template <class Own>
+class ItemLinksConstraint : public config_items::ConstraintBase<Own>
 {
 public:
-    explicit DependentCfgItemConstraint(ChannelItemKeys items = {}) : m_items(std::move(items)) {}
+    explicit ItemLinksConstraint(ChannelItemKeys items = {}) : m_items(std::move(items)) {}
     const ChannelItemKeys& getItems() const { return m_items; }
     const ChannelItemKeys& fields() const { return m_items; }
-
-    bool equals(const config_items::IfConfigItemConstraint& other) const override;
-    std::shared_ptr<config_items::IfConfigItemConstraint> clone() const override;
 
 private:
     ChannelItemKeys m_items;
 };
 
-/// Items that always take the same value as this item.
-class CoupledValueItemConstraint : public config_items::IfConfigItemConstraint
+/// Items whose allowed values change when this item changes.
+class DependentCfgItemConstraint : public ItemLinksConstraint<DependentCfgItemConstraint>
 {
 public:
-    explicit CoupledValueItemConstraint(ChannelItemKeys items = {}) : m_items(std::move(items)) {}
-    const ChannelItemKeys& getItems() const { return m_items; }
-    const ChannelItemKeys& fields() const { return m_items; }
+    using ItemLinksConstraint::ItemLinksConstraint;
+};
 
-    bool equals(const config_items::IfConfigItemConstraint& other) const override;
-    std::shared_ptr<config_items::IfConfigItemConstraint> clone() const override;
-
-private:
-    ChannelItemKeys m_items;
+/// Items that always take the same value as this item.
+class CoupledValueItemConstraint : public ItemLinksConstraint<CoupledValueItemConstraint>
+{
+public:
+    using ItemLinksConstraint::ItemLinksConstraint;
 };
 
 } // namespace channel_config

@@ -9,37 +9,32 @@
 namespace config_items {
 
 /// A yes/no property of an item. Subclasses name the property and keep their class on clone().
-class BooleanConstraint : public IfConfigItemConstraint
+class BooleanConstraint : public ConstraintBase<BooleanConstraint>
 {
 public:
     explicit BooleanConstraint(bool value = false) : m_value(value) {}
     bool getValue() const { return m_value; }
     bool fields() const { return m_value; }
 
-    bool equals(const IfConfigItemConstraint& other) const override;
-    std::shared_ptr<IfConfigItemConstraint> clone() const override;
-
 private:
     bool m_value;
 };
 
 /// A free-form hint to the editor of the item.
-class ItemHintConstraint : public IfConfigItemConstraint
+class ItemHintConstraint : public ConstraintBase<ItemHintConstraint>
 {
 public:
     explicit ItemHintConstraint(std::string hint = {}) : m_hint(std::move(hint)) {}
     const std::string& getHint() const { return m_hint; }
     const std::string& fields() const { return m_hint; }
 
-    bool equals(const IfConfigItemConstraint& other) const override;
-    std::shared_ptr<IfConfigItemConstraint> clone() const override;
-
 private:
     std::string m_hint;
 };
 
 /// Inclusive bounds on a count, shared by the length and element-count constraints.
-class CountBoundsConstraint : public IfConfigItemConstraint
+template <class Own>
+class CountBoundsConstraint : public ConstraintBase<Own>
 {
 public:
     CountBoundsConstraint(std::uint32_t minimum, std::uint32_t maximum)
@@ -55,29 +50,25 @@ private:
 };
 
 /// Bounds on the length of a string value, in bytes.
-class StringLengthConstraint : public CountBoundsConstraint
+class StringLengthConstraint : public CountBoundsConstraint<StringLengthConstraint>
 {
 public:
     explicit StringLengthConstraint(std::uint32_t minimum = 0, std::uint32_t maximum = UINT32_MAX)
         : CountBoundsConstraint(minimum, maximum)
     {}
-    bool equals(const IfConfigItemConstraint& other) const override;
-    std::shared_ptr<IfConfigItemConstraint> clone() const override;
 };
 
 /// Bounds on the number of elements of a list value.
-class ListElementCountConstraint : public CountBoundsConstraint
+class ListElementCountConstraint : public CountBoundsConstraint<ListElementCountConstraint>
 {
 public:
     explicit ListElementCountConstraint(std::uint32_t minimum = 0, std::uint32_t maximum = UINT32_MAX)
         : CountBoundsConstraint(minimum, maximum)
     {}
-    bool equals(const IfConfigItemConstraint& other) const override;
-    std::shared_ptr<IfConfigItemConstraint> clone() const override;
 };
 
 /// Who gets to see the item.
-class VisibilityConstraint : public IfConfigItemConstraint
+class VisibilityConstraint : public ConstraintBase<VisibilityConstraint>
 {
 public:
     enum Visibility : std::uint8_t
@@ -90,53 +81,41 @@ public:
     Visibility getVisibility() const { return m_visibility; }
     Visibility fields() const { return m_visibility; }
 
-    bool equals(const IfConfigItemConstraint& other) const override;
-    std::shared_ptr<IfConfigItemConstraint> clone() const override;
-
 private:
     Visibility m_visibility;
 };
 
 /// A regular expression that a string value must match.
-class RegularExpressionConstraint : public IfConfigItemConstraint
+class RegularExpressionConstraint : public ConstraintBase<RegularExpressionConstraint>
 {
 public:
     explicit RegularExpressionConstraint(std::string expression = {}) : m_expression(std::move(expression)) {}
     const std::string& getExpression() const { return m_expression; }
     const std::string& fields() const { return m_expression; }
 
-    bool equals(const IfConfigItemConstraint& other) const override;
-    std::shared_ptr<IfConfigItemConstraint> clone() const override;
-
 private:
     std::string m_expression;
 };
 
 /// Whether the value lives only for the session and is not stored with the setup.
-class TransientConstraint : public IfConfigItemConstraint
+class TransientConstraint : public ConstraintBase<TransientConstraint>
 {
 public:
     explicit TransientConstraint(bool transient = true) : m_transient(transient) {}
     bool isTransient() const { return m_transient; }
     bool fields() const { return m_transient; }
 
-    bool equals(const IfConfigItemConstraint& other) const override;
-    std::shared_ptr<IfConfigItemConstraint> clone() const override;
-
 private:
     bool m_transient;
 };
 
 /// A named format that a string value follows (for example an IP address).
-class StringFormatConstraint : public IfConfigItemConstraint
+class StringFormatConstraint : public ConstraintBase<StringFormatConstraint>
 {
 public:
     explicit StringFormatConstraint(std::string format = {}) : m_format(std::move(format)) {}
     const std::string& getFormat() const { return m_format; }
     const std::string& fields() const { return m_format; }
-
-    bool equals(const IfConfigItemConstraint& other) const override;
-    std::shared_ptr<IfConfigItemConstraint> clone() const override;
 
 private:
     std::string m_format;

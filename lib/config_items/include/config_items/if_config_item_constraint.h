@@ -23,14 +23,24 @@ protected:
 
 using ConstraintPtr = std::shared_ptr<IfConfigItemConstraint>;
 
-namespace detail {
-/// equals() for a class whose fields compare with ==: the other one must cast to @p Own.
-template <class Own>
-bool sameClassEquals(const Own& self, const IfConfigItemConstraint& other)
+/// Gives constraint class @p Own, derived from @p Base, its equals() and clone(): the
+/// other constraint must cast to @p Own, and the fields() of both must compare equal.
+template <class Own, class Base = IfConfigItemConstraint>
+class ConstraintBase : public Base
 {
-    const auto* that = dynamic_cast<const Own*>(&other);
-    return that && self.fields() == that->fields();
-}
-} // namespace detail
+public:
+    using Base::Base;
+
+    bool equals(const IfConfigItemConstraint& other) const override
+    {
+        const auto* that = dynamic_cast<const Own*>(&other);
+        return that && static_cast<const Own&>(*this).fields() == that->fields();
+    }
+
+    std::shared_ptr<IfConfigItemConstraint> clone() const override
+    {
+        return std::make_shared<Own>(static_cast<const Own&>(*this));
+    }
+};
 
 } // namespace config_items

@@ -4,6 +4,7 @@
 #include <config_items/if_config_item_constraint.h>
 
 #include <string>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 
@@ -32,7 +33,7 @@ inline constexpr bool isConfigItemAlternative = IsAlternative<T, channel_config:
 /// An option whose value is @p T: an item class or a plain value (number, flag,
 /// enumeration, channel id) held the way a SingleValueConfigItem<T> holds it.
 template <typename T>
-class OptionConstraint : public IfOptionConstraint
+class OptionConstraint : public ConstraintBase<OptionConstraint<T>, IfOptionConstraint>
 {
 public:
     using value_type = T;
@@ -41,6 +42,8 @@ public:
 
     const std::string& getLabel() const override { return m_label; }
     const T& getValue() const { return m_value; }
+    /// Items compare through their equals(), plain values with ==.
+    auto fields() const { return std::tie(m_label, m_value); }
 
     std::string getTypeName() const override
     {
@@ -53,26 +56,7 @@ public:
             return channel_config::configItemTypeName(channel_config::CONFIG_ITEM_COUNT);
     }
 
-    bool equals(const IfConfigItemConstraint& other) const override
-    {
-        const auto* that = dynamic_cast<const OptionConstraint*>(&other);
-        return that && m_label == that->m_label && valueEquals(m_value, that->m_value);
-    }
-
-    std::shared_ptr<IfConfigItemConstraint> clone() const override
-    {
-        return std::make_shared<OptionConstraint>(*this);
-    }
-
 private:
-    static bool valueEquals(const T& a, const T& b)
-    {
-        if constexpr (std::is_base_of_v<IfConfigItem, T>)
-            return a.equals(b);
-        else
-            return a == b;
-    }
-
     std::string m_label;
     T m_value;
 };
