@@ -55,6 +55,18 @@ TEST(UnitTable, EveryPrefixSpellingWithEveryName)
         }
     }
     EXPECT_EQ(UnitTable::prefixExponents().size(), 20u);
+    // No prefixed spelling of one unit may shadow another unit's entry.
+    const std::vector<std::pair<const char*, int>> units = {
+        {"m", 0},      {"g", 1},   {"s", 2},   {"A", 3},      {"Hz", 5}, {"W", 6},   {"V", 7},
+        {"\u03a9", 8}, {"Ohm", 8}, {"R", 8},   {"\u2126", 8}, {"va", 9}, {"VA", 10}, {"Ws", 11},
+        {"J", 11},     {"Ah", 12}, {"Bd", 13}, {"Baud", 13},  {"Wh", 11}};
+    for (const auto& [name, id] : units)
+        for (const std::int32_t exponent : UnitTable::prefixExponents())
+            for (const std::string& prefix : UnitTable::prefixSpellings(exponent)) {
+                const FullUnitInfo* info = table.find(prefix + name);
+                ASSERT_NE(info, nullptr) << prefix << name;
+                EXPECT_EQ(info->id, id) << prefix << name;
+            }
     EXPECT_EQ(UnitTable::prefixSpellings(-6), (std::vector<std::string>{"micro", "\u03bc", "\u00b5", "u"}));
 }
 
