@@ -1,6 +1,7 @@
 #pragma once
 
 #include <config_items/config_item_variant.h>
+#include <config_items/if_config_item_constraint.h>
 
 #include <memory>
 #include <mutex>
@@ -8,10 +9,6 @@
 #include <string>
 #include <unordered_map>
 #include <vector>
-
-namespace config_items {
-class IfConfigItemConstraint;
-}
 
 namespace ferrin {
 
