@@ -1,0 +1,150 @@
+// The name index must agree with a scan of the list after every kind of change.
+#include "list_model_fixture.h"
+
+#include <qobject_list_model/qobject_list_model_index_by_name.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using list_model_test::Item;
+using list_model_test::ListModelFixture;
+
+namespace {
+
+class IndexByName : public ListModelFixture
+{
+protected:
+    /// Every object and every name of the list is found where a scan finds it.
+    void expectAgreesWithList()
+    {
+        const QList<QObject*> objects = model.list();
+        for (int row = 0; row < objects.size(); ++row) {
+            QObject* object = objects.at(row);
+            SCOPED_TRACE("row " + std::to_string(row) + " " + object->objectName().toStdString());
+            EXPECT_TRUE(index.contains(object));
+            EXPECT_EQ(index.indexOf(object), row);
+            EXPECT_EQ(index.indexOfName(object->objectName()), model.indexOfName(object->objectName()));
+        }
+    }
+
+    QObjectListModelIndexByName index{&model};
+};
+
+TEST_F(IndexByName, FollowsInsertionsRemovalsAndMoves)
+{
+    EXPECT_TRUE(index.enabled());
+    fill();
+    expectAgreesWithList();
+    model.listInsert(1, &d);
+    expectAgreesWithList();
+    model.append(&e);
+    model.move(4, 0);
+    expectAgreesWithList();
+    model.move(1, 3);
+    expectAgreesWithList();
+    model.listRemove(1, 2);
+    expectAgreesWithList();
+    EXPECT_EQ(index.indexOfName("e"), 0);
+    EXPECT_EQ(index.indexOfName("nobody"), -1);
+    EXPECT_EQ(model.size(), 3);
+}
+
+TEST_F(IndexByName, RemovedObjectsAreForgotten)
+{
+    fill();
+    model.removeItem(&b);
+    EXPECT_FALSE(index.contains(&b));
+    EXPECT_EQ(index.indexOf(&b), -1);
+    EXPECT_EQ(index.indexOfName("b"), -1);
+    EXPECT_EQ(index.indexOfName("c"), 1);
+    // A removed object's later rename must not come back into the index.
+    b.setObjectName("c");
+    EXPECT_EQ(index.indexOfName("c"), 1);
+    EXPECT_FALSE(index.contains(nullptr));
+}
+
+TEST_F(IndexByName, RenameRefilesInPlace)
+{
+    fill();
+    b.setObjectName("x");
+    EXPECT_EQ(index.indexOfName("b"), -1);
+    EXPECT_EQ(index.indexOfName("x"), 1);
+    EXPECT_EQ(index.indexOf(&b), 1);
+    // Still connected after the re-filing: a second rename is heard too.
+    b.setObjectName("y");
+    expectAgreesWithList();
+    EXPECT_EQ(index.indexOfName("x"), -1);
+}
+
+TEST_F(IndexByName, DuplicateNamesMapToTheFirstRow)
+{
+    fill();
+    c.setObjectName("a");
+    d.setObjectName("a");
+    model.append(&d);
+    EXPECT_EQ(index.indexOfName("a"), 0);
+    expectAgreesWithList();
+    model.listRemove(0);
+    EXPECT_EQ(index.indexOfName("a"), 1);
+    expectAgreesWithList();
+    c.setObjectName("z");
+    EXPECT_EQ(index.indexOfName("a"), 2);
+    model.move(2, 0);
+    expectAgreesWithList();
+    model.listInsert(0, &a);
+    EXPECT_EQ(index.indexOfName("a"), 0);
+    expectAgreesWithList();
+}
+
+TEST_F(IndexByName, ResetDropsAndRebuilds)
+{
+    fill();
+    model.setList({&e, &c, &d});
+    expectAgreesWithList();
+    EXPECT_FALSE(index.contains(&a));
+    EXPECT_EQ(index.indexOfName("b"), -1);
+    // Objects of the old list no longer re-file themselves.
+    a.setObjectName("d");
+    EXPECT_EQ(index.indexOfName("d"), 2);
+    model.clearList();
+    EXPECT_FALSE(index.contains(&e));
+    EXPECT_EQ(index.indexOfName("e"), -1);
+}
+
+TEST_F(IndexByName, ResetWithoutWatchingRemovalsStillRebuilds)
+{
+    fill();
+    index.setWatchRemovals(false);
+    index.setWatchRemovals(true);
+    model.setList({&c, &a});
+    expectAgreesWithList();
+    EXPECT_FALSE(index.contains(&b));
+}
+
+TEST_F(IndexByName, DestroyedTrackedObjectLeavesTheIndex)
+{
+    model.setTracking(true);
+    auto doomed = std::make_unique<Item>("doomed");
+    fill();
+    model.listInsert(1, doomed.get());
+    QObject* gone = doomed.get();
+    doomed.reset();
+    EXPECT_FALSE(index.contains(gone));
+    EXPECT_EQ(index.indexOfName("doomed"), -1);
+    expectAgreesWithList();
+}
+
+TEST_F(IndexByName, DisablingEmptiesTheIndex)
+{
+    fill();
+    index.setEnabled(false);
+    EXPECT_FALSE(index.contains(&a));
+    EXPECT_EQ(index.indexOfName("a"), -1);
+    a.setObjectName("q");
+    EXPECT_EQ(index.indexOfName("q"), -1);
+    index.setEnabled(true);
+    expectAgreesWithList();
+}
+
+} // namespace
