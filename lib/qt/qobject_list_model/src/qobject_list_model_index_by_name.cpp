@@ -39,12 +39,15 @@ int QObjectListModelIndexByName::indexOfName(const QString& str) const
 
 void QObjectListModelIndexByName::insert(int index, QObject* obj, int)
 {
-    if (obj == nullptr || m_names.contains(obj))
+    if (obj == nullptr)
         return;
     // Rows at and after the new one move down, unless the object only changes its name
     // or comes in at the end.
     if (m_structural && index < m_names.size())
         shiftRows(index, 1);
+    // An object listed twice is filed once, under its first row.
+    if (m_names.contains(obj))
+        return;
     const QString name = obj->objectName();
     m_names.insert(obj, name);
     ++m_name_uses[name];

@@ -148,3 +148,31 @@ TEST_F(IndexByName, DisablingEmptiesTheIndex)
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(IndexByName, ModelAnswersThroughTheIndex)
+{
+    model.setNameIndex(&index);
+    EXPECT_EQ(model.nameIndex(), &index);
+    model.setTracking(true);
+    auto* doomed = new Item("doomed");
+    model.append(QList<QObject*>{&a, doomed, &b, &c});
+    EXPECT_TRUE(model.contains(doomed));
+    EXPECT_EQ(model.indexOf(&c), 3);
+    EXPECT_EQ(model.indexOfName("b"), 2);
+    EXPECT_EQ(model.getByName("c"), &c);
+    delete doomed;
+    EXPECT_EQ(model.size(), 3);
+    EXPECT_EQ(model.indexOf(&c), 2);
+    model.removeItem(&b);
+    EXPECT_EQ(model.list(), (QList<QObject*>{&a, &c}));
+    EXPECT_FALSE(model.contains(&b));
+    // An index that does not hear removals would go stale: the model scans instead.
+    index.setWatchRemovals(false);
+    model.listRemove(0);
+    EXPECT_FALSE(model.contains(&a));
+    EXPECT_EQ(model.indexOfName("c"), 0);
+}
+
+} // namespace
