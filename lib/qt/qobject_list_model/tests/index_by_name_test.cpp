@@ -112,16 +112,6 @@ TEST_F(IndexByName, ResetDropsAndRebuilds)
     EXPECT_EQ(index.indexOfName("e"), -1);
 }
 
-TEST_F(IndexByName, ResetWithoutWatchingRemovalsStillRebuilds)
-{
-    fill();
-    index.setWatchRemovals(false);
-    index.setWatchRemovals(true);
-    model.setList({&c, &a});
-    expectAgreesWithList();
-    EXPECT_FALSE(index.contains(&b));
-}
-
 TEST_F(IndexByName, DestroyedTrackedObjectLeavesTheIndex)
 {
     model.setTracking(true);
@@ -146,10 +136,6 @@ TEST_F(IndexByName, DisablingEmptiesTheIndex)
     index.setEnabled(true);
     expectAgreesWithList();
 }
-
-} // namespace
-
-namespace {
 
 TEST_F(IndexByName, ModelAnswersThroughTheIndex)
 {

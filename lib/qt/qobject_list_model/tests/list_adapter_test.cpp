@@ -150,17 +150,6 @@ TEST_F(ListAdapter, ExchangingTheModelMovesTheLoad)
     EXPECT_THAT(take(), ElementsAre("insert 1 e 2"));
 }
 
-TEST_F(ListAdapter, DeadTrackedObjectIsRemoved)
-{
-    model.setTracking(true);
-    auto* doomed = new Item("doomed");
-    model.append(QList<QObject*>{&a, doomed});
-    adapter.setEnabled(true);
-    take();
-    delete doomed;
-    EXPECT_THAT(take(), ElementsAre("remove 1 doomed 2"));
-}
-
 TEST_F(ListAdapter, SignalAdapterEmitsIndexAndObject)
 {
     QObjectListModelAdapterSignal signaller(&model);

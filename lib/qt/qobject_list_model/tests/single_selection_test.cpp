@@ -117,13 +117,6 @@ TEST_F(Selection, RemovedActiveRowStaysInPlaceOrFallsToTheLast)
     EXPECT_EQ(selection.activeObject(), nullptr);
 }
 
-TEST_F(Selection, ClearingTheListSelectsNothing)
-{
-    selectC();
-    model.clearList();
-    EXPECT_THAT(take(), ElementsAre("object null", "index -1"));
-}
-
 TEST_F(Selection, DeadActiveObjectPassesTheSelectionOn)
 {
     model.setTracking(true);
