@@ -19,21 +19,33 @@ QObjectListModelIndexByName::~QObjectListModelIndexByName() = default;
 
 bool QObjectListModelIndexByName::contains(QObject* obj) const
 {
+    if (m_repeated && listModel() != nullptr)
+        return listModel()->list().contains(obj);
     return m_names.contains(obj);
 }
 
 int QObjectListModelIndexByName::indexOf(QObject* obj) const
 {
+    if (m_repeated && listModel() != nullptr)
+        return listModel()->list().indexOf(obj);
     const auto name = m_names.constFind(obj);
     if (name == m_names.constEnd())
         return -1;
-    if (m_name_uses.value(*name) > 1 && listModel() != nullptr)
+    if ((m_repeated || m_name_uses.value(*name) > 1) && listModel() != nullptr)
         return listModel()->list().indexOf(obj);
     return m_rows.value(*name, -1);
 }
 
 int QObjectListModelIndexByName::indexOfName(const QString& str) const
 {
+    if (m_repeated && listModel() != nullptr) {
+        const QList<QObject*> objects = listModel()->list();
+        for (int row = 0; row < objects.size(); ++row) {
+            if (objects.at(row) != nullptr && objects.at(row)->objectName() == str)
+                return row;
+        }
+        return -1;
+    }
     return m_rows.value(str, -1);
 }
 
@@ -45,9 +57,12 @@ void QObjectListModelIndexByName::insert(int index, QObject* obj, int)
     // or comes in at the end.
     if (m_structural && index < m_names.size())
         shiftRows(index, 1);
-    // An object listed twice is filed once, under its first row.
-    if (m_names.contains(obj))
+    // An object listed twice is filed once: from then on the hashes cannot tell its
+    // rows apart, and look-ups scan the list until the index is dropped.
+    if (m_names.contains(obj)) {
+        m_repeated = true;
         return;
+    }
     const QString name = obj->objectName();
     m_names.insert(obj, name);
     ++m_name_uses[name];
@@ -103,6 +118,7 @@ void QObjectListModelIndexByName::removeAllFromIndex()
     m_rows.clear();
     m_names.clear();
     m_name_uses.clear();
+    m_repeated = false;
     for (QObject* object : objects)
         disconnect(object, &QObject::objectNameChanged, this, &QObjectListModelIndexByName::onNameChanged);
 }
@@ -123,6 +139,8 @@ void QObjectListModelIndexByName::onWatchRemovalsChanged()
 
 void QObjectListModelIndexByName::onEnabledChanged()
 {
+    if (!enabled())
+        m_repeated = false;
     QObjectListModel* model = listModel();
     if (model == nullptr || !enabled())
         return;

@@ -162,3 +162,20 @@ TEST_F(IndexByName, ModelAnswersThroughTheIndex)
 }
 
 } // namespace
+
+namespace {
+
+// An object listed twice used to leave the index with its first removal.
+TEST_F(IndexByName, ObjectListedTwiceStaysFound)
+{
+    model.setNameIndex(&index);
+    model.append(QList<QObject*>{&a, &b, &a});
+    model.listRemove(0);
+    EXPECT_TRUE(model.contains(&a));
+    EXPECT_EQ(model.indexOf(&a), 1);
+    EXPECT_EQ(model.indexOfName("a"), 1);
+    model.setList({&c, &d});
+    expectAgreesWithList();
+}
+
+} // namespace

@@ -8,7 +8,8 @@
 /// Keeps a QObjectListModel's rows filed by objectName, so that look-ups by name or
 /// by object need no scan of the list.
 ///
-/// A name maps to the first row that carries it. Renamed objects are re-filed as
+/// A name maps to the first row that carries it. A list that holds one object at
+/// two rows is answered by scanning until the index is next dropped. Renamed objects are re-filed as
 /// they change; rows that shift under insertions, removals and moves are renumbered.
 /// On a reset the whole index is dropped at once rather than object by object.
 /// The index is enabled on construction when it is given a model.
@@ -52,4 +53,6 @@ private:
     QHash<QString, int> m_name_uses;
     /// False while a rename re-files an object: its row does not change then.
     bool m_structural = true;
+    /// Set when an object is listed more than once; look-ups then scan the list.
+    bool m_repeated = false;
 };
