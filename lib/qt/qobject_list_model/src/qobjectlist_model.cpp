@@ -1,5 +1,7 @@
 #include <qobject_list_model/qobjectlist_model.h>
 
+#include <qobject_list_model/qobject_list_model_index_by_name.h>
+
 #include <QMetaType>
 #include <QQmlEngine>
 #include <QThread>
@@ -130,7 +132,7 @@ void QObjectListModel::removeItem(QObject* obj)
 {
     if (obj == nullptr || !checkThread())
         return;
-    const int row = m_list.indexOf(obj);
+    const int row = indexOf(obj);
     if (row >= 0)
         removeRange(row, 1);
 }
@@ -148,6 +150,8 @@ bool QObjectListModel::contains(QObject* object) const
     if (object == nullptr)
         return false;
     checkThread();
+    if (const QObjectListModelIndexByName* index = activeNameIndex())
+        return index->contains(object);
     return m_list.contains(object);
 }
 
@@ -156,6 +160,10 @@ int QObjectListModel::indexOf(QObject* object, int from) const
     if (object == nullptr)
         return -1;
     checkThread();
+    if (from == 0) {
+        if (const QObjectListModelIndexByName* index = activeNameIndex())
+            return index->indexOf(object);
+    }
     const int n = m_list.size();
     if (from < 0)
         from = std::max(n + from, 0);
@@ -172,6 +180,8 @@ int QObjectListModel::indexOf(QObject* object) const
 int QObjectListModel::indexOfName(QString str) const
 {
     checkThread();
+    if (const QObjectListModelIndexByName* index = activeNameIndex())
+        return index->indexOfName(str);
     for (int row = 0; row < m_list.size(); ++row) {
         const QObject* object = m_list.at(row);
         if (object != nullptr && object->objectName() == str)
@@ -402,7 +412,7 @@ void QObjectListModel::onObjectDestroyed(QObject* obj)
     const bool tracking = m_tracking;
     m_tracking = false;
     m_dying = obj;
-    int row = m_list.indexOf(obj);
+    int row = indexOf(obj);
     for (int removed = 0; row >= 0 && removed < rows; ++removed) {
         takeRow(row);
         if (removed + 1 < rows)
@@ -485,4 +495,23 @@ void QObjectListModel::keepForNative(QObject* obj)
 {
     if (obj != nullptr)
         QQmlEngine::setObjectOwnership(obj, QQmlEngine::CppOwnership);
+}
+
+void QObjectListModel::setNameIndex(QObjectListModelIndexByName* index)
+{
+    m_name_index = index;
+}
+
+QObjectListModelIndexByName* QObjectListModel::nameIndex() const
+{
+    return m_name_index;
+}
+
+const QObjectListModelIndexByName* QObjectListModel::activeNameIndex() const
+{
+    const QObjectListModelIndexByName* index = m_name_index.data();
+    // Only an index that hears every change of this list can stand in for a scan.
+    const bool complete = index != nullptr && index->enabled() && index->listModel() == this &&
+                          index->watchInsertions() && index->watchRemovals();
+    return complete ? index : nullptr;
 }

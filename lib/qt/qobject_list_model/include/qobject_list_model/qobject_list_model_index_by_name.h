@@ -1,0 +1,58 @@
+#pragma once
+
+#include <qobject_list_model/qobject_list_model_adapter.h>
+
+#include <QHash>
+#include <QString>
+
+/// Keeps a QObjectListModel's rows filed by objectName, so that look-ups by name or
+/// by object need no scan of the list.
+///
+/// A name maps to the first row that carries it. A list that holds one object at
+/// two rows is answered by scanning until the index is next dropped. Renamed objects are re-filed as
+/// they change; rows that shift under insertions, removals and moves are renumbered.
+/// On a reset the whole index is dropped at once rather than object by object.
+/// The index is enabled on construction when it is given a model.
+class QObjectListModelIndexByName : public QObjectListModelAdapter
+{
+    Q_OBJECT
+
+public:
+    explicit QObjectListModelIndexByName(QObjectListModel* model = nullptr, QObject* parent = nullptr);
+    ~QObjectListModelIndexByName() override;
+
+    bool contains(QObject* obj) const;
+    /// The object's row; -1 when the object or its name is not filed.
+    int indexOf(QObject* obj) const;
+    /// The first row named @p str; -1 when there is none.
+    int indexOfName(const QString& str) const;
+
+public Q_SLOTS:
+    void onNameChanged();
+    void removeAllFromIndex();
+    void onWatchRemovalsChanged();
+
+protected:
+    void insert(int index, QObject* obj, int size) override;
+    void remove(int index, QObject* obj, int size) override;
+
+private Q_SLOTS:
+    void onEnabledChanged();
+    void onRowsRemoved(const QModelIndex& parent, int first, int last);
+    void onRowsMoved(const QModelIndex& parent, int start, int end, const QModelIndex& destination, int row);
+
+private:
+    void shiftRows(int from, int by);
+    int firstFiledRow(const QString& name, int from) const;
+    void refileRows(int first, int last);
+
+    QHash<QString, int> m_rows;
+    QHash<QObject*, QString> m_names;
+    /// How many filed objects carry each name; a name used more than once needs a
+    /// scan when its first holder leaves.
+    QHash<QString, int> m_name_uses;
+    /// False while a rename re-files an object: its row does not change then.
+    bool m_structural = true;
+    /// Set when an object is listed more than once; look-ups then scan the list.
+    bool m_repeated = false;
+};
