@@ -30,7 +30,7 @@ using lum::qchannel::QChannel;
 using lum::qchannel::QChannelListModel;
 
 /// A bare channel of the acquisition core: an id, a name and, if asked, dependents.
-struct ChannelSpec
+struct ChannelRecipe
 {
     channel_config::ChannelID id;
     std::string name;
@@ -39,24 +39,24 @@ struct ChannelSpec
     ferrin_config::IfChannelConfigManager* manager = nullptr;
 };
 
-inline ChannelPtr makeChannel(const ChannelSpec& spec)
+inline ChannelPtr makeChannel(const ChannelRecipe& recipe)
 {
     ferrin::ChannelSetup setup;
-    setup.id = spec.id;
+    setup.id = recipe.id;
     setup.time_base = std::make_shared<lum::data::MemoryTimeBase>(10.0, 0.0);
-    setup.config_manager = spec.manager;
+    setup.config_manager = recipe.manager;
     setup.items = std::make_shared<ferrin::ConfigItemStore>();
-    setup.items->set("Ferrin/Name", config_items::StringConfigItem(spec.name));
+    setup.items->set("Ferrin/Name", config_items::StringConfigItem(recipe.name));
     setup.items->set("Used", config_items::SingleValueConfigItem<bool>(true));
-    setup.dependent_channels = spec.dependents;
-    setup.internal = spec.internal;
+    setup.dependent_channels = recipe.dependents;
+    setup.internal = recipe.internal;
     return std::make_shared<qchannel_test::PreparedChannel<ferrin::Channel>>(
-        std::move(setup), std::map<ferrin::Tick, daq::SampleData>{}, spec.id.toUInt64());
+        std::move(setup), std::map<ferrin::Tick, daq::SampleData>{}, recipe.id.toUInt64());
 }
 
 inline ChannelPtr makeChannel(std::uint32_t node, std::uint32_t local, const std::string& name)
 {
-    return makeChannel(ChannelSpec{channel_config::ChannelID(node, local), name});
+    return makeChannel(ChannelRecipe{channel_config::ChannelID(node, local), name});
 }
 
 /// What a view attached to the list believes: its row count, kept from the row and
