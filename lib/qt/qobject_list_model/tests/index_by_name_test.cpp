@@ -251,6 +251,9 @@ TEST_F(IndexByName, DisablingEmptiesTheIndex)
     EXPECT_EQ(index.indexOfName("a"), -1);
     a.setObjectName("q");
     EXPECT_EQ(index.indexOfName("q"), -1);
+    // Nor does a replaced row file anything while the index is off.
+    model.listReplace(1, &d);
+    EXPECT_FALSE(index.contains(&d));
     index.setEnabled(true);
     expectAgreesWithList();
 }
