@@ -19,21 +19,30 @@ QObjectListModelIndexByName::~QObjectListModelIndexByName() = default;
 
 bool QObjectListModelIndexByName::contains(QObject* obj) const
 {
-    if (m_repeated && listModel() != nullptr)
-        return listModel()->list().contains(obj);
-    return m_names.contains(obj);
+    if (obj == nullptr)
+        return false;
+    if (!m_names.contains(obj))
+        return m_repeated && listModel() != nullptr && listModel()->list().contains(obj);
+    return listModel() == nullptr || indexOf(obj) >= 0;
 }
 
 int QObjectListModelIndexByName::indexOf(QObject* obj) const
 {
-    if (m_repeated && listModel() != nullptr)
-        return listModel()->list().indexOf(obj);
+    const QObjectListModel* model = listModel();
+    if (m_repeated && model != nullptr)
+        return model->list().indexOf(obj);
     const auto name = m_names.constFind(obj);
     if (name == m_names.constEnd())
         return -1;
-    if ((m_repeated || m_name_uses.value(*name) > 1) && listModel() != nullptr)
-        return listModel()->list().indexOf(obj);
-    return m_rows.value(*name, -1);
+    const int row = m_rows.value(*name, -1);
+    if (model == nullptr)
+        return row;
+    // A name shared by several objects leads to the row of the one filed last: the
+    // others are found by a scan, never answered with another object's row.
+    const QList<QObject*>& objects = model->list();
+    if (row >= 0 && row < objects.size() && objects.at(row) == obj)
+        return row;
+    return objects.indexOf(obj);
 }
 
 int QObjectListModelIndexByName::indexOfName(const QString& str) const
@@ -51,12 +60,15 @@ int QObjectListModelIndexByName::indexOfName(const QString& str) const
 
 void QObjectListModelIndexByName::insert(int index, QObject* obj, int)
 {
+    // Every row counts, null ones too: rows at and after the new one move down, unless the
+    // object only changes its name or comes in behind all rows the index knows.
+    if (m_structural) {
+        if (index < m_known_rows)
+            shiftRows(index, 1);
+        ++m_known_rows;
+    }
     if (obj == nullptr)
         return;
-    // Rows at and after the new one move down, unless the object only changes its name
-    // or comes in at the end.
-    if (m_structural && index < m_names.size())
-        shiftRows(index, 1);
     // An object listed twice is filed once: from then on the hashes cannot tell its
     // rows apart, and look-ups scan the list until the index is dropped.
     if (m_names.contains(obj)) {
@@ -65,35 +77,20 @@ void QObjectListModelIndexByName::insert(int index, QObject* obj, int)
     }
     const QString name = obj->objectName();
     m_names.insert(obj, name);
-    ++m_name_uses[name];
-    const auto row = m_rows.find(name);
-    if (row == m_rows.end())
-        m_rows.insert(name, index);
-    else if (*row > index)
-        *row = index;
+    m_rows.insert(name, index);
     connect(obj, &QObject::objectNameChanged, this, &QObjectListModelIndexByName::onNameChanged,
             Qt::UniqueConnection);
 }
 
-void QObjectListModelIndexByName::remove(int index, QObject* obj, int)
+void QObjectListModelIndexByName::remove(int, QObject* obj, int)
 {
     const auto filed = m_names.find(obj);
     if (filed == m_names.end())
         return;
-    const QString name = *filed;
+    // The name goes with the object, even where another object carries it too.
+    m_rows.remove(*filed);
     m_names.erase(filed);
     disconnect(obj, &QObject::objectNameChanged, this, &QObjectListModelIndexByName::onNameChanged);
-    if (--m_name_uses[name] == 0) {
-        m_name_uses.remove(name);
-        m_rows.remove(name);
-    } else if (m_rows.value(name) == index) {
-        // The first holder leaves: the name passes to the next object filed under it.
-        const int next = firstFiledRow(name, index + 1);
-        if (next >= 0)
-            m_rows.insert(name, next);
-        else
-            m_rows.remove(name);
-    }
     // Rows after a removed one are renumbered once the model has taken them out.
 }
 
@@ -117,8 +114,8 @@ void QObjectListModelIndexByName::removeAllFromIndex()
     const QList<QObject*> objects = m_names.keys();
     m_rows.clear();
     m_names.clear();
-    m_name_uses.clear();
     m_repeated = false;
+    m_known_rows = 0;
     for (QObject* object : objects)
         disconnect(object, &QObject::objectNameChanged, this, &QObjectListModelIndexByName::onNameChanged);
 }
@@ -139,8 +136,10 @@ void QObjectListModelIndexByName::onWatchRemovalsChanged()
 
 void QObjectListModelIndexByName::onEnabledChanged()
 {
-    if (!enabled())
+    if (!enabled()) {
         m_repeated = false;
+        m_known_rows = 0;
+    }
     QObjectListModel* model = listModel();
     if (model == nullptr || !enabled())
         return;
@@ -149,6 +148,8 @@ void QObjectListModelIndexByName::onEnabledChanged()
             Qt::UniqueConnection);
     connect(model, &QAbstractItemModel::rowsMoved, this, &QObjectListModelIndexByName::onRowsMoved,
             Qt::UniqueConnection);
+    connect(model, &QAbstractItemModel::dataChanged, this, &QObjectListModelIndexByName::onDataChanged,
+            Qt::UniqueConnection);
 }
 
 void QObjectListModelIndexByName::onRowsRemoved(const QModelIndex& parent, int first, int last)
@@ -156,8 +157,10 @@ void QObjectListModelIndexByName::onRowsRemoved(const QModelIndex& parent, int f
     if (parent.isValid())
         return;
     // The removed objects are already out of the index: rows past them move up.
-    if (last + 1 < m_names.size() + (last - first + 1))
-        shiftRows(last + 1, -(last - first + 1));
+    const int removed = last - first + 1;
+    if (last + 1 < m_known_rows)
+        shiftRows(last + 1, -removed);
+    m_known_rows = std::max(m_known_rows - removed, 0);
 }
 
 void QObjectListModelIndexByName::onRowsMoved(const QModelIndex& parent, int start, int end,
@@ -165,7 +168,36 @@ void QObjectListModelIndexByName::onRowsMoved(const QModelIndex& parent, int sta
 {
     if (parent.isValid() || destination.isValid())
         return;
-    refileRows(std::min(start, row), std::max(end, row - 1));
+    // Every filed row follows its object: the block moves to the destination, the rows
+    // it passes over close up behind it.
+    const int moved = end - start + 1;
+    for (auto it = m_rows.begin(); it != m_rows.end(); ++it) {
+        const int r = *it;
+        if (r >= start && r <= end)
+            *it = r + (row > end ? row - end - 1 : row - start);
+        else if (row > end && r > end && r < row)
+            *it = r - moved;
+        else if (row < start && r >= row && r < start)
+            *it = r + moved;
+    }
+}
+
+void QObjectListModelIndexByName::onDataChanged(const QModelIndex& top_left, const QModelIndex& bottom_right)
+{
+    QObjectListModel* model = listModel();
+    if (model == nullptr || top_left.parent().isValid() || !watchInsertions())
+        return;
+    // A replaced row is told by dataChanged alone: an object there that the index does
+    // not know means the rows changed hands, and the index is filed again from the list.
+    const QList<QObject*> objects = model->list();
+    const int last = std::min(bottom_right.row(), objects.size() - 1);
+    for (int i = std::max(top_left.row(), 0); i <= last; ++i) {
+        if (objects.at(i) != nullptr && !m_names.contains(objects.at(i))) {
+            removeAllFromIndex();
+            loadAll();
+            return;
+        }
+    }
 }
 
 void QObjectListModelIndexByName::shiftRows(int from, int by)
@@ -173,46 +205,5 @@ void QObjectListModelIndexByName::shiftRows(int from, int by)
     for (auto it = m_rows.begin(); it != m_rows.end(); ++it) {
         if (*it >= from)
             *it += by;
-    }
-}
-
-int QObjectListModelIndexByName::firstFiledRow(const QString& name, int from) const
-{
-    if (listModel() == nullptr)
-        return -1;
-    const QList<QObject*> objects = listModel()->list();
-    for (int i = std::max(from, 0); i < objects.size(); ++i) {
-        const auto filed = m_names.constFind(objects.at(i));
-        if (filed != m_names.constEnd() && *filed == name)
-            return i;
-    }
-    return -1;
-}
-
-void QObjectListModelIndexByName::refileRows(int first, int last)
-{
-    if (listModel() == nullptr)
-        return;
-    const QList<QObject*> objects = listModel()->list();
-    last = std::min(last, objects.size() - 1);
-    // Names first held inside the range are given again to their first holder there;
-    // a name held before the range keeps its row.
-    for (int i = first; i <= last; ++i) {
-        const auto filed = m_names.constFind(objects.at(i));
-        if (filed == m_names.constEnd())
-            continue;
-        const int held = m_rows.value(*filed, -1);
-        if (held >= first && held <= last)
-            m_rows.remove(*filed);
-    }
-    for (int i = first; i <= last; ++i) {
-        const auto filed = m_names.constFind(objects.at(i));
-        if (filed == m_names.constEnd())
-            continue;
-        const auto row = m_rows.find(*filed);
-        if (row == m_rows.end())
-            m_rows.insert(*filed, i);
-        else if (*row > i)
-            *row = i;
     }
 }

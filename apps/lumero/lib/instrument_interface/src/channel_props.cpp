@@ -55,10 +55,9 @@ void ChannelProps::channelConfigChanged(channel_config::ChannelID /*id*/, QStrin
 
 void ChannelProps::onChannelDestroying(QChannel* channel)
 {
-    // Listeners still find the row by its channel; afterwards the channel is half gone
-    // and must not be read any more.
+    // The channel is kept, so that listeners find the row by it; the guarded pointer lets
+    // go of it by itself once the object is gone.
     Q_EMIT channelDestroyed(channel);
-    m_channel = nullptr;
 }
 
 } // namespace im

@@ -250,9 +250,13 @@ TEST_F(ChannelPropsTest, ADestroyedChannelIsToldAndForgotten)
     ChannelProps props(doomed);
     QSignalSpy destroyed(&props, &ChannelProps::channelDestroyed);
     ASSERT_TRUE(destroyed.isValid());
+    // Heard after the properties: the loss is told and the channel is still kept.
+    QChannel* kept = nullptr;
+    QObject::connect(doomed, &QChannel::destroying, [&] { kept = props.channel(); });
 
     delete doomed;
 
+    EXPECT_EQ(kept, doomed);
     ASSERT_EQ(destroyed.count(), 1);
     // The channel is dead: compare the pointer without casting it.
     EXPECT_EQ(*static_cast<QChannel* const*>(destroyed.at(0).at(0).constData()), doomed);

@@ -4,6 +4,7 @@
 
 #include <boost/algorithm/string/replace.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <filesystem>
@@ -27,17 +28,6 @@ bool exists(const std::string& path)
 {
     std::error_code error;
     return fs::exists(path, error);
-}
-
-bool isDirectory(const std::string& path)
-{
-    std::error_code error;
-    return fs::is_directory(path, error);
-}
-
-bool samePath(const std::string& a, const std::string& b)
-{
-    return fs::path(a).lexically_normal() == fs::path(b).lexically_normal();
 }
 
 /// A shell folder, else the temporary folder; a failure of both is a broken system.
@@ -104,12 +94,13 @@ DefaultPaths::DefaultPaths(std::string application_dir, std::shared_ptr<const If
 
 std::string DefaultPaths::applicationDataDir() const
 {
-    // Installed layouts keep the binaries either in the data folder or one level below it.
-    if (exists(m_application_dir + MARKER_FILE))
-        return m_application_dir;
+    // Installed layouts keep the binaries either in the data folder or one level below it;
+    // a /usr install keeps them in bin and the data in share/lumero beside it.
     const std::string parent = parentOf(m_application_dir);
-    if (exists(parent + MARKER_FILE))
-        return parent;
+    for (const std::string& candidate : {m_application_dir, parent, parent + "/share/lumero"}) {
+        if (exists(candidate + MARKER_FILE))
+            return candidate;
+    }
     return std::string();
 }
 
@@ -147,7 +138,7 @@ std::vector<std::string> DefaultPaths::pluginSearchList(int number) const
     const auto addBelowApplication = [&](const std::string& relative) {
         for (const std::string& base : {m_application_dir, parentOf(m_application_dir)}) {
             const std::string candidate = base + "/" + relative;
-            if (isDirectory(candidate))
+            if (exists(candidate))
                 list.push_back(candidate);
         }
     };
@@ -162,20 +153,15 @@ std::vector<std::string> DefaultPaths::pluginSearchList(int number) const
         addBelowApplication("plugins");
         for (const char* shared :
              {"%COMMON_DOCUMENTS%/Trelvane/Lumero/Plugins", "%USER_DOCUMENTS%/Trelvane/Lumero/Plugins"}) {
+            // Listed whether or not they exist yet: users put their plug-ins there.
             const std::string candidate = expand(shared);
-            bool known = false;
-            for (const std::string& entry : list)
-                known = known || samePath(entry, candidate);
-            if (!known && isDirectory(candidate))
+            if (std::find(list.begin(), list.end(), candidate) == list.end())
                 list.push_back(candidate);
         }
         break;
-    default: {
-        const std::string single = path(number);
-        if (!single.empty())
-            list.push_back(single);
+    default:
+        list.push_back(path(number));
         break;
-    }
     }
     return list;
 }

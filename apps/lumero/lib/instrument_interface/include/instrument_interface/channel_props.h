@@ -19,8 +19,8 @@ class PropertyChangeForwarder;
 /// properties) and answers 0.0, 1.0 and an empty unit.
 ///
 /// The channel is not owned. Its changes come through as this object's signals; when
-/// it is destroyed, channelDestroyed tells the instrument to drop the row, and this
-/// object forgets it.
+/// it is destroyed, channelDestroyed tells the instrument to drop the row; the channel
+/// stays set until its QObject part is gone, and reads as null from then on.
 class ChannelProps : public QObject, public uni::Countable<ChannelProps>
 {
     Q_OBJECT

@@ -47,14 +47,16 @@ public:
 
     /// Placeholder ("%USER_HOME%") to its value.
     std::map<std::string, std::string> placeholders() const;
-    /// The folder holding "licenses/license_qt_lgpl.xml": the executable's folder or
-    /// its parent; empty when neither does.
+    /// The folder holding "licenses/license_qt_lgpl.xml": the executable's folder, its
+    /// parent or the parent's "share/lumero" (a /usr install); empty when none does.
     std::string applicationDataDir() const;
     /// @p text with every known placeholder replaced; unknown "%WORD%"s stay.
     std::string expand(const std::string& text) const;
     /// The expanded template of @p number; empty when it has none.
     std::string path(int number) const;
-    /// The existing plug-in folders of lists 8 to 10; for another number its path.
+    /// The existing plug-in folders of lists 8 to 10, list 8 followed by the common and the
+    /// user documents' plug-in folders unless already listed; for another number its path,
+    /// empty for a number without a template.
     std::vector<std::string> pluginSearchList(int number) const;
 
 private:

@@ -6,12 +6,13 @@
 #include <lum_utils/spreadsheet_ml_builder.h>
 #include <lum_utils/txt_builder.h>
 
+class QClipboard;
 class QMimeData;
 
 namespace lum_utils {
 
 /// The clipboard formats of one table, filled in a single pass: write the table
-/// through builder(), then hand fillMimeData's result to the clipboard.
+/// through builder(), then copyToClipboard.
 class SpreadsheetExport
 {
 public:
@@ -34,6 +35,8 @@ public:
 
     /// See fillSpreadsheetMimeData.
     void fillMimeData(QMimeData& mime) const;
+    /// Fills a new QMimeData and hands it to @p clipboard, which takes it over.
+    void copyToClipboard(QClipboard& clipboard) const;
 
 private:
     void registerBuilders();
