@@ -221,18 +221,27 @@ std::vector<ScenePainter::TrackShape> ScenePainter::trackShapes() const
                 shape.center_line.push_back(toPicture(center + r));
             }
         } else {
+            // A repeated vertex leaves the model's lists not-a-number at it and at the next
+            // one: those vertices are left out, and the ribbon runs straight across them.
             for (std::size_t i = 0; i < first.size(); ++i) {
-                shape.first_edge.push_back(toPicture(first[i]));
-                shape.second_edge.push_back(toPicture(second[i]));
+                const QPointF first_point = toPicture(first[i]);
+                const QPointF second_point = toPicture(second[i]);
+                if (!finite(first_point) || !finite(second_point))
+                    continue;
+                shape.first_edge.push_back(first_point);
+                shape.second_edge.push_back(second_point);
             }
-            for (const Point2D& point : track->centerLine())
-                shape.center_line.push_back(toPicture(point));
+            for (const Point2D& point : track->centerLine()) {
+                const QPointF center_point = toPicture(point);
+                if (finite(center_point))
+                    shape.center_line.push_back(center_point);
+            }
         }
         for (std::size_t i = 1; i < shape.first_edge.size(); ++i) {
             QPolygonF piece;
             piece << shape.first_edge[i - 1] << shape.first_edge[i] << shape.second_edge[i]
                   << shape.second_edge[i - 1];
-            // A repeated vertex leaves the model's edges not-a-number there.
+            // An arc swept from a not-a-number corner stays out.
             if (std::all_of(piece.begin(), piece.end(), finite))
                 shape.pieces.push_back(piece);
         }

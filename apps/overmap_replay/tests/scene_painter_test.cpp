@@ -230,6 +230,27 @@ TEST_F(SceneFixture, AnArcIsDrawnAlongItsCircleNotAlongItsChord)
     EXPECT_NEAR(bounds.bottom(), 22.0, 0.1) << "the outer edge at the end";
 }
 
+TEST_F(SceneFixture, ARepeatedVertexIsBridgedWithoutAHoleOrStrayLines)
+{
+    // The repeated vertex at 0 m leaves the model's edges not-a-number there and at its copy.
+    auto path = std::make_shared<overmap::TrackPath>(m_manager.getReferencePlane());
+    path->setWidth(4.0);
+    path->setPositions(
+        {at(-20.0, 0.0), at(-10.0, 0.0), at(0.0, 0.0), at(0.0, 0.0), at(10.0, 0.0), at(20.0, 0.0)});
+    m_manager.addObject(path);
+    ASSERT_TRUE(std::isnan(path->firstEdge()[2].x)) << "the model's part of the premise";
+    ScenePainter painter(m_manager);
+    const QImage image = render(painter);
+    EXPECT_EQ(pixel(image, painter, 0.0, 1.0), ScenePainter::TRACK_FILL) << "no hole at the repeat";
+    EXPECT_EQ(pixel(image, painter, -15.0, -1.0), ScenePainter::TRACK_FILL);
+    EXPECT_EQ(pixel(image, painter, 0.0, 6.0), ScenePainter::BACKGROUND);
+    EXPECT_EQ(pixel(image, painter, 0.0, -6.0), ScenePainter::BACKGROUND);
+    const QRectF bounds = painter.sceneBounds();
+    EXPECT_NEAR(bounds.left(), -20.0, 0.1);
+    EXPECT_NEAR(bounds.right(), 20.0, 0.1);
+    EXPECT_NEAR(bounds.center().y(), 0.0, 0.1) << "the ribbon is 4 m across, padded to the least extent";
+}
+
 TEST_F(SceneFixture, ATrackLineNotPlacedYetIsLeftOut)
 {
     m_manager.addObject(std::make_shared<overmap::TrackLine>(m_manager.getReferencePlane()));

@@ -41,7 +41,9 @@ std::optional<Point2D> Line2D::intersect(const Line2D& other) const
 {
     UNI_ASSERT(m_pt1.getCoordinateSystem() == other.m_pt1.getCoordinateSystem());
     const double det = m_dy * (-other.m_dx) + other.m_dy * m_dx;
-    if (!(std::fabs(det) >= PARALLEL_TOLERANCE))
+    // A not-a-number determinant is not below the tolerance: its point is (NaN, NaN), which
+    // marks the vertex of a zero-length segment for the caller.
+    if (std::fabs(det) < PARALLEL_TOLERANCE)
         return std::nullopt;
     const double t =
         ((m_pt1.x - other.m_pt1.x) * (-other.m_dy) - (m_pt1.y - other.m_pt1.y) * (-other.m_dx)) / det;

@@ -4,7 +4,6 @@
 
 #include <uni_base/uni_assert.h>
 
-#include <algorithm>
 #include <cmath>
 #include <ostream>
 
@@ -62,10 +61,9 @@ Point2D Point2D::rotate(double degrees) const
 double Point2D::angleTo(const Point2D& p2) const
 {
     UNI_ASSERT(m_coordinate_system == p2.m_coordinate_system);
-    // Clamped because rounding can push the cosine of (anti)parallel vectors just past 1.
-    const double cosine = (x * p2.x + y * p2.y) / (length() * p2.length());
-    const double angle =
-        std::acos(std::isnan(cosine) ? cosine : std::clamp(cosine, -1.0, 1.0)) * earth::RAD_TO_DEG;
+    // Unclamped: rounding can push the cosine of (anti)parallel vectors just past 1, and
+    // such a pair then has no angle, as a zero-length operand has none.
+    const double angle = std::acos((x * p2.x + y * p2.y) / (length() * p2.length())) * earth::RAD_TO_DEG;
     return p2.y * x - p2.x * y < 0.0 ? -angle : angle;
 }
 

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace {
 
 using math_geo::CoordinateSystem;
@@ -69,6 +71,16 @@ TEST(Line2DIntersection, ParallelAndNearlyParallelGiveNothing)
     const Line2D flat(Point2D(0, 0), Point2D(1, 0));
     EXPECT_FALSE(flat.intersect(Line2D(Point2D(0, 1), Point2D(1, 1 + 1e-10))).has_value());
     EXPECT_TRUE(flat.intersect(Line2D(Point2D(0, 1), Point2D(1, 1 + 1e-8))).has_value());
+}
+
+TEST(Line2DIntersection, ANotANumberDeterminantGivesANotANumberPoint)
+{
+    const double nan = std::nan("");
+    const Line2D flat(Point2D(0, 0), Point2D(1, 0));
+    const auto p = flat.intersect(Line2D(Point2D(nan, 1), Point2D(nan, 2)));
+    ASSERT_TRUE(p.has_value()) << "not-a-number is not below the tolerance";
+    EXPECT_TRUE(std::isnan(p->x));
+    EXPECT_TRUE(std::isnan(p->y));
 }
 
 TEST(RectangleShape, EmptyBoundingBoxKeepsItsOddValues)

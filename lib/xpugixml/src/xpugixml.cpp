@@ -70,7 +70,8 @@ void setAttribute(pugi::xml_node& node, const std::string& name, const std::stri
 
 std::string getTrimmedText(const pugi::xml_node& node)
 {
-    return trimmed(node.value());
+    // The text of an element is that of its first PCDATA or CDATA child; a text node is its own.
+    return trimmed(node.text().get());
 }
 
 std::string getText(const pugi::xml_node& node)

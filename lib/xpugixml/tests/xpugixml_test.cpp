@@ -58,7 +58,25 @@ TEST(XpugiText, GetTextPrefersCdataUntrimmedElsePcdataTrimmed)
     EXPECT_EQ(xpugi::getText(r.child("b")), "  x  ");
     EXPECT_EQ(xpugi::getText(r.child("c")), " q ");
     EXPECT_EQ(xpugi::getText(r.child("d")), "");
-    EXPECT_EQ(xpugi::getTrimmedText(r.child("a").first_child()), "x");
+}
+
+TEST(XpugiText, GetTrimmedTextOfAnElementIsItsFirstTextChildTrimmed)
+{
+    auto doc = parse("<r><a>  x  </a><b><![CDATA[ y ]]></b><c>  p  <![CDATA[ q ]]></c><d/></r>");
+    const pugi::xml_node r = doc.child("r");
+    struct Row
+    {
+        const char* what;
+        pugi::xml_node node;
+        const char* expected;
+    };
+    const Row rows[] = {
+        {"element with text", r.child("a"), "x"},   {"text node itself", r.child("a").first_child(), "x"},
+        {"element with CDATA", r.child("b"), "y"},  {"first text child wins", r.child("c"), "p"},
+        {"element without text", r.child("d"), ""},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(xpugi::getTrimmedText(row.node), row.expected) << row.what;
 }
 
 TEST(XpugiText, CollectTextWalksSubtreeInDocumentOrder)

@@ -27,7 +27,7 @@ void addAttribute(pugi::xml_node& node, const std::string& name, const std::stri
 /// Sets the attribute of that name, appending it when missing.
 void setAttribute(pugi::xml_node& node, const std::string& name, const std::string& value);
 
-/// The node's own value with leading and trailing white space removed.
+/// The node's text (of an element, its first PCDATA or CDATA child) without surrounding white space.
 std::string getTrimmedText(const pugi::xml_node& node);
 /// A CDATA child's value untrimmed, else the trimmed value of the first PCDATA child, else empty.
 std::string getText(const pugi::xml_node& node);

@@ -179,9 +179,6 @@ std::vector<Point2D> readContourFile(const std::string& path, CoordinateSystem s
     std::vector<Point2D> vertices;
     std::string line;
     while (std::getline(in, line)) {
-        // A line of a CRLF file that holds only its carriage return is an empty line.
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
         Point2D vertex(0.0, 0.0, system);
         std::istringstream fields(line);
         std::string field;
@@ -191,8 +188,10 @@ std::vector<Point2D> readContourFile(const std::string& path, CoordinateSystem s
                     << "Contour input file fas too many cordinates" << path;
                 return {};
             }
-            const std::size_t first = field.find_first_not_of(" \t\r\n");
-            const std::size_t last = field.find_last_not_of(" \t\r\n");
+            // Blanks and line ends only: a tab or a line of nothing but a carriage return
+            // leaves text that does not convert, and the file is refused.
+            const std::size_t first = field.find_first_not_of(" \r\n");
+            const std::size_t last = field.find_last_not_of(" \r\n");
             field = first == std::string::npos ? std::string() : field.substr(first, last - first + 1);
             double value = 0.0;
             if (!boost::conversion::try_lexical_convert(field, value)) {

@@ -502,6 +502,7 @@ bool Reader::readReferences(const pugi::xml_node& objects)
             parent =
                 m_manager.findPositionObjectById(numberAttribute<std::int32_t>(element, "referenceObjectID"));
         } catch (const boost::bad_lexical_cast&) {
+            return false; // an id that is no number ends the pass without a line
         }
         if (!object || !parent) {
             UNI_LOG(LOG, SEV_NOTE) << "Error parsing reference object for object ID "
@@ -509,10 +510,10 @@ bool Reader::readReferences(const pugi::xml_node& objects)
             return false;
         }
         // The file's numbers are already in the parent's frame: they win over the
-        // conversion that hanging the object on its parent does.
-        Point2D saved = object->getXYPosition();
+        // conversion that hanging the object on its parent does. They were read in the
+        // plane's system, so setXYPosition reports and relabels them.
+        const Point2D saved = object->getXYPosition();
         object->setReferenceObject(parent);
-        saved.setCoordinateSystem(parent->localCoordinateSystem());
         object->setXYPosition(saved);
     }
     return true;

@@ -102,11 +102,8 @@ void PositionObject::updateGeoFromXY()
 
 void PositionObject::storeCenter(const GeoPosition& center)
 {
-    // A not-a-number XY position from outside ends here; the object then stays put.
-    if (!center.valid()) {
-        UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR) << "Invalid position for object " << getName();
-        return;
-    }
+    // An invalid centre (from a not-a-number XY position) is reported by the plane's assertion
+    // and stored all the same: the object follows its XY position.
     m_object_plane.setCenter(center);
 }
 
@@ -145,17 +142,15 @@ void PositionObject::setXYPosition(const Point2D& point)
 
 void PositionObject::setHeading(double degrees)
 {
-    // An infinite heading has no remainder either: fmod would store not-a-number.
-    if (!std::isfinite(degrees)) {
+    if (std::isnan(degrees)) {
         UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR) << "Invalid heading for object " << getName();
         return;
     }
+    // An infinite value has no remainder, and a tiny negative one rounds up to 360 when the
+    // turn is added: both are reported by the range assertion and stored as they come out.
     double heading = std::fmod(degrees, 360.0);
     if (heading < 0)
         heading += 360.0;
-    // fmod of a tiny negative value plus 360 rounds up to exactly 360.
-    if (heading >= 360.0)
-        heading = 0.0;
     UNI_ASSERT(heading >= 0 && heading < 360.0);
     m_object_plane.setRotation(heading);
 }

@@ -104,8 +104,8 @@ void Track::setArcCenter(const GeoPosition& center)
     m_arc_center = center;
 }
 
-// All lists share one cached plane, so a plane change seen by any getter rebuilds all
-// of them; otherwise the next getter would take the refreshed plane for its own.
+// Edges and plane points share one cached plane: once either getter has taken a moved plane
+// over, the other sees no move and keeps its stale list until the next move or a setter.
 void Track::rebuild() const
 {
     buildEdges();
@@ -114,9 +114,7 @@ void Track::rebuild() const
 
 const std::vector<Point2D>& Track::planePoints() const
 {
-    if (planeMoved())
-        rebuild();
-    else if (m_plane_points.empty())
+    if (m_plane_points.empty() || planeMoved())
         buildPlanePoints();
     return m_plane_points;
 }
@@ -159,6 +157,8 @@ void Track::buildEdges() const
             for (std::size_t k = 0; k < 3; ++k)
                 lines.emplace_back(lists[k]->back(), lists[k]->back() + d);
         } else {
+            // A zero-length segment gives not-a-number lines here; their (NaN, NaN) crossing
+            // marks this vertex and the next, and the painter leaves such vertices out.
             const Point2D n = rawNormal(d);
             std::vector<math_geo::Line2D> next;
             next.reserve(3);

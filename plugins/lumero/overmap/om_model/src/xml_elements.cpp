@@ -107,15 +107,16 @@ bool isDigit(char c)
 }
 
 /// Reads one double the way `stream >> value` does in the classic locale, without the
-/// cost of a stream: skips white space (and, for older files, the two characters
-/// backslash-n), takes the longest text of the form [+-]digits[.digits][e[+-]digits]
-/// and fails when that text is no number or overflows. Leaves @p p after the text.
-bool readStreamDouble(const char*& p, const char* end, double& value)
+/// cost of a stream: skips white space (and, with @p escapes, the two characters
+/// backslash-n that older contour files hold for line feeds), takes the longest text of the form
+/// [+-]digits[.digits][e[+-]digits] and fails when that text is no number or overflows. Leaves @p p after the
+/// text.
+bool readStreamDouble(const char*& p, const char* end, double& value, bool escapes)
 {
     for (;;) {
         if (p < end && isStreamSpace(*p))
             ++p;
-        else if (end - p >= 2 && p[0] == '\\' && p[1] == 'n')
+        else if (escapes && end - p >= 2 && p[0] == '\\' && p[1] == 'n')
             p += 2;
         else
             break;
@@ -160,13 +161,13 @@ bool readStreamDouble(const char*& p, const char* end, double& value)
 
 /// Reads number pairs until the text ends or stops being numbers.
 template <typename Append>
-void readPairs(std::string_view text, Append append)
+void readPairs(std::string_view text, bool escapes, Append append)
 {
     const char* p = text.data();
     const char* end = p + text.size();
     double first = 0.0;
     double second = 0.0;
-    while (readStreamDouble(p, end, first) && readStreamDouble(p, end, second))
+    while (readStreamDouble(p, end, first, escapes) && readStreamDouble(p, end, second, escapes))
         append(first, second);
 }
 } // namespace
@@ -174,14 +175,14 @@ void readPairs(std::string_view text, Append append)
 std::vector<Point2D> parsePointText(std::string_view text, math_geo::CoordinateSystem system)
 {
     std::vector<Point2D> points;
-    readPairs(text, [&](double x, double y) { points.emplace_back(x, y, system); });
+    readPairs(text, true, [&](double x, double y) { points.emplace_back(x, y, system); });
     return points;
 }
 
 std::vector<math_geo::GeoPosition> parsePositionText(std::string_view text)
 {
     std::vector<math_geo::GeoPosition> positions;
-    readPairs(text, [&](double lat, double lon) { positions.emplace_back(lat, lon); });
+    readPairs(text, false, [&](double lat, double lon) { positions.emplace_back(lat, lon); });
     return positions;
 }
 

@@ -66,17 +66,36 @@ TEST(ObjectIds, CalculationsCountOnTheirOwn)
 
 // --- heading -------------------------------------------------------------------------
 
-TEST_F(PositionObjectTest, HeadingIsNormalisedIntoOneTurn)
+TEST_F(PositionObjectTest, HeadingIsNormalisedIntoOneTurnAndWhatFallsOutsideIsReportedAndStored)
 {
-    Cone cone(&m_plane);
-    cone.setHeading(-90);
-    EXPECT_DOUBLE_EQ(cone.getHeading(), 270.0);
-    cone.setHeading(720);
-    EXPECT_DOUBLE_EQ(cone.getHeading(), 0.0);
-    cone.setHeading(-1e-20); // used to round up to 360 and trip the range assertion
-    EXPECT_DOUBLE_EQ(cone.getHeading(), 0.0);
-    cone.setHeading(359.5);
-    EXPECT_DOUBLE_EQ(cone.getHeading(), 359.5);
+    constexpr const char* RANGE = "heading >= 0 && heading < 360.0";
+    struct Row
+    {
+        const char* what;
+        double degrees;
+        double stored; // NaN: stored as not-a-number
+        bool reported;
+    };
+    const Row rows[] = {
+        {"negative", -90, 270, false},
+        {"two turns", 720, 0, false},
+        {"just below a turn", 359.5, 359.5, false},
+        {"tiny negative rounds up to a full turn", -1e-20, 360, true},
+        {"infinity has no remainder", std::numeric_limits<double>::infinity(), NaN, true},
+    };
+    for (const Row& row : rows) {
+        Cone cone(&m_plane);
+        cone.setHeading(45);
+        uni_testing::AssertCapture asserts;
+        uni_testing::LogCapture log;
+        cone.setHeading(row.degrees);
+        if (std::isnan(row.stored))
+            EXPECT_TRUE(std::isnan(cone.getHeading())) << row.what;
+        else
+            EXPECT_EQ(cone.getHeading(), row.stored) << row.what;
+        EXPECT_EQ(static_cast<bool>(asserts.fired(RANGE)), row.reported) << row.what;
+        EXPECT_TRUE(log.none("overmap")) << row.what;
+    }
 }
 
 TEST_F(PositionObjectTest, NotANumberHeadingIsLoggedAndIgnored)
@@ -178,6 +197,18 @@ TEST_F(PositionObjectTest, XYPlacementDerivesTheGeoPosition)
     cone.setXYPosition(xy);
     EXPECT_TRUE(cone.isXYPosition());
     EXPECT_EQ(cone.getGeoPosition(), m_plane.toGeoPosition(xy));
+    EXPECT_TRUE(log.none("overmap"));
+}
+
+TEST_F(PositionObjectTest, AnXYPositionWithoutAValidPlaceIsReportedAndStoredAsItComes)
+{
+    Cone cone(&m_plane);
+    cone.setGeoPosition(NEARBY);
+    uni_testing::AssertCapture asserts;
+    uni_testing::LogCapture log;
+    cone.setXYPosition(Point2D(NaN, 0, CoordinateSystem::X_FRONT_Y_LEFT));
+    EXPECT_TRUE(asserts.fired("center.valid()"));
+    EXPECT_TRUE(std::isnan(cone.getGeoPosition().latitude));
     EXPECT_TRUE(log.none("overmap"));
 }
 

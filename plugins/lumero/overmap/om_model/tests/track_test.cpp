@@ -24,7 +24,7 @@ class TrackTest : public ::testing::Test
 {
 protected:
     /// A path through the given plane points of the reference plane.
-    std::shared_ptr<TrackPath> path(std::initializer_list<Point2D> points)
+    std::shared_ptr<TrackPath> path(const std::vector<Point2D>& points)
     {
         auto track = std::make_shared<TrackPath>(&m_plane);
         std::vector<GeoPosition> positions;
@@ -123,14 +123,55 @@ TEST_F(TrackTest, PlaneNoiseDoesNotRebuildButARealMoveDoes)
     EXPECT_TRUE(near(track->firstEdge()[1], Point2D(-1.5, 100, FLU), TOL));
 }
 
-TEST_F(TrackTest, PlaneChangeSeenByPlanePointsStillRebuildsTheEdges)
+TEST_F(TrackTest, AMoveTakenOverByPlanePointsLeavesTheEdgesStale)
 {
-    // All lists share one cached plane; the edges once stayed at the old plane here.
+    // Edges and plane points share the cached plane: once the plane points have taken the
+    // move over, the edges see none and keep their old numbers until a setter empties them.
     auto track = path({Point2D(0, 0, FLU), Point2D(10, 0, FLU)});
     track->firstEdge();
     m_plane.setRotation(90.0);
     EXPECT_TRUE(near(track->planePoints()[0], Point2D(0, 0, FLU), TOL));
-    EXPECT_TRUE(near(track->firstEdge()[1], Point2D(-1.5, 10, FLU), TOL));
+    EXPECT_TRUE(near(track->firstEdge()[1], Point2D(10, 1.5, FLU), TOL)) << "stale";
+    track->setWidth(3.0);
+    EXPECT_TRUE(near(track->firstEdge()[1], Point2D(-1.5, 10, FLU), TOL)) << "rebuilt";
+}
+
+TEST_F(TrackTest, ARepeatedVertexFromTheThirdOnIsNotANumberThereAndAtTheNext)
+{
+    struct Row
+    {
+        const char* what;
+        std::vector<Point2D> points;
+        std::vector<bool> not_a_number; // per vertex, in all three lists
+        Point2D last_first_edge;
+    };
+    const Row rows[] = {
+        {"repeat at index 2",
+         {Point2D(0, 0, FLU), Point2D(10, 0, FLU), Point2D(10, 0, FLU), Point2D(20, 0, FLU),
+          Point2D(30, 0, FLU)},
+         {false, true, true, false, false},
+         Point2D(30, 1.5, FLU)},
+        {"repeat at index 1 pinches the start instead",
+         {Point2D(0, 0, FLU), Point2D(0, 0, FLU), Point2D(10, 0, FLU)},
+         {false, false, false},
+         Point2D(10, 1.5, FLU)},
+    };
+    for (const Row& row : rows) {
+        auto track = path(row.points);
+        const std::vector<Point2D>* lists[] = {&track->firstEdge(), &track->centerLine(),
+                                               &track->secondEdge()};
+        for (const std::vector<Point2D>* list : lists) {
+            ASSERT_EQ(list->size(), row.not_a_number.size()) << row.what;
+            for (std::size_t i = 0; i < list->size(); ++i) {
+                EXPECT_EQ(std::isnan((*list)[i].x), row.not_a_number[i]) << row.what << ", vertex " << i;
+                EXPECT_EQ(std::isnan((*list)[i].y), row.not_a_number[i]) << row.what << ", vertex " << i;
+            }
+        }
+        EXPECT_TRUE(near(track->firstEdge().back(), row.last_first_edge, TOL)) << row.what;
+    }
+    auto pinched = path({Point2D(0, 0, FLU), Point2D(0, 0, FLU), Point2D(10, 0, FLU)});
+    EXPECT_TRUE(near(pinched->firstEdge()[0], Point2D(0, 0, FLU), TOL)) << "a zero normal at the start";
+    EXPECT_TRUE(near(pinched->firstEdge()[1], Point2D(0, 1.5, FLU), TOL));
 }
 
 TEST_F(TrackTest, ArcEdgesHoldTheRibbonsFourCorners)

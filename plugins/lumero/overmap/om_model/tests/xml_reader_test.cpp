@@ -16,6 +16,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace {
 
 using math_geo::CoordinateSystem;
@@ -359,7 +361,10 @@ TEST_F(XmlReader, AReferencedObjectKeepsTheNumbersOfTheFileInItsParentsFrame)
     EXPECT_LT(om_test::metres(read_cone->getGeoPosition(),
                               object<overmap::Car>(1)->toGeo(read_cone->getXYPosition())),
               1e-6);
-    EXPECT_EQ(m_log.count(CH, SEV_ERROR, ""), 0u);
+    // The file's numbers come in the plane's system, the parent's frame is DIN 70000.
+    EXPECT_EQ(m_log.count(CH, SEV_ERROR, ""), 1u);
+    EXPECT_TRUE(
+        m_log.contains(CH, SEV_ERROR, "PositionObject::setXYPosition() - correcting the coordinate system"));
 }
 
 TEST_F(XmlReader, AMissingReferenceStopsTheReferencePass)
@@ -368,6 +373,15 @@ TEST_F(XmlReader, AMissingReferenceStopsTheReferencePass)
                               cone("objectId=\"3\" " + GEO + " referenceObjectID=\"2\""))));
     EXPECT_TRUE(m_log.contains(CH, SEV_NOTE, "Error parsing reference object for object ID 2"));
     EXPECT_FALSE(m_log.contains(CH, SEV_NOTE, "object ID 3"));
+    EXPECT_EQ(object<overmap::Cone>(3)->getReferenceObject(), nullptr) << "the pass stopped before it";
+    EXPECT_EQ(m_manager.objectCount(), 2u);
+}
+
+TEST_F(XmlReader, AReferenceIdThatIsNoNumberStopsThePassWithoutALine)
+{
+    EXPECT_FALSE(read(objects(cone("objectId=\"2\" " + GEO + " referenceObjectID=\"one\"") +
+                              cone("objectId=\"3\" " + GEO + " referenceObjectID=\"2\""))));
+    EXPECT_FALSE(m_log.contains(CH, SEV_NOTE, "Error parsing reference object"));
     EXPECT_EQ(object<overmap::Cone>(3)->getReferenceObject(), nullptr) << "the pass stopped before it";
     EXPECT_EQ(m_manager.objectCount(), 2u);
 }
@@ -534,7 +548,7 @@ using math_geo::GeoPosition;
 TEST(XmlVertexText, NumbersReadAsAStreamReadsThem)
 {
     using overmap::xml::parsePositionText;
-    const auto positions = parsePositionText(" +1.5 -2e1\n.5 3.\\n1e-400 4E+2 ");
+    const auto positions = parsePositionText(" +1.5 -2e1\n.5 3.\t1e-400 4E+2 ");
     ASSERT_EQ(positions.size(), 3u);
     EXPECT_EQ(positions[0], GeoPosition(1.5, -20.0));
     EXPECT_EQ(positions[1], GeoPosition(0.5, 3.0));
@@ -552,18 +566,20 @@ TEST(XmlVertexText, NumbersReadAsAStreamReadsThem)
 
 namespace {
 
-TEST(XmlHeading, AnInfiniteHeadingIsRefusedLikeNotANumber)
+TEST(XmlHeading, AnInfiniteHeadingIsStoredAsItComesOutAndReportedByTheRangeAssertion)
 {
     ObjectManager manager;
     uni_testing::LogCapture log;
+    uni_testing::AssertCapture asserts;
     om_test::ListChannelFetcher fetcher;
-    XmlReadWriter(&manager, &fetcher)
-        .read("<Overmap><GeoObjects><Cone objectId=\"1\" name=\"c\" latitude=\"1\" longitude=\"2\" "
-              "heading=\"-inf\"/>"
-              "</GeoObjects></Overmap>");
+    EXPECT_TRUE(XmlReadWriter(&manager, &fetcher)
+                    .read("<Overmap><GeoObjects><Cone objectId=\"1\" name=\"c\" latitude=\"1\" "
+                          "longitude=\"2\" heading=\"-inf\"/>"
+                          "</GeoObjects></Overmap>"));
     ASSERT_EQ(manager.objectCount(), 1u);
-    EXPECT_EQ(std::dynamic_pointer_cast<overmap::Cone>(manager.objectAt(0))->getHeading(), 0.0);
-    EXPECT_TRUE(log.contains("overmap", SEV_ERROR, "Invalid heading for object c"));
+    EXPECT_TRUE(std::isnan(std::dynamic_pointer_cast<overmap::Cone>(manager.objectAt(0))->getHeading()));
+    EXPECT_TRUE(asserts.fired("heading >= 0 && heading < 360.0"));
+    EXPECT_FALSE(log.contains("overmap", SEV_ERROR, "Invalid heading for object c"));
 }
 
 } // namespace

@@ -60,7 +60,7 @@ public:
 
     /// The stored heading, degrees in [0, 360), counted in the sense of the local system.
     double getHeading() const { return m_object_plane.getRotation(); }
-    /// Normalises to [0, 360); not-a-number is logged and ignored.
+    /// Normalises into one turn; not-a-number is logged and ignored.
     void setHeading(double degrees);
     /// A heading given in @p system: DIN70000 counts the other way round.
     void setHeadingFromCoord(double degrees, math_geo::CoordinateSystem system);

@@ -41,7 +41,7 @@ bool readContour(const pugi::xml_node& contour, Car& car);
 /// Pairs of numbers separated by white space, as points in @p system. Literal "\n"
 /// sequences count as line feeds; reading stops at the first text that is no number.
 std::vector<math_geo::Point2D> parsePointText(std::string_view text, math_geo::CoordinateSystem system);
-/// The same loop for "latitude longitude" pairs.
+/// The same loop for "latitude longitude" pairs, where "\n" is no separator.
 std::vector<math_geo::GeoPosition> parsePositionText(std::string_view text);
 /// "latitude longitude \n" per position, 12 digits behind the point.
 std::string formatPositionText(const std::vector<math_geo::GeoPosition>& positions);
