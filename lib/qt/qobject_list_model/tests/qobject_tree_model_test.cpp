@@ -163,6 +163,11 @@ struct InsertCase
     const char* children_after;
 };
 
+void PrintTo(const InsertCase& insert, std::ostream* out)
+{
+    *out << insert.name;
+}
+
 class TreeItemInsert : public ::testing::TestWithParam<InsertCase>
 {};
 
