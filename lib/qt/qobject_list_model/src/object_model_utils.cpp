@@ -165,16 +165,11 @@ void ObjectModelUtils::updateAncestorStates(QAbstractItemModel* model, QJSValue 
 ObjectListSortFilterProxyModel::ObjectListSortFilterProxyModel(QObject* parent)
     : QSortFilterProxyModel(parent)
 {
-    auto count_may_have_changed = [this] {
-        if (rowCount() != m_last_count) {
-            m_last_count = rowCount();
-            Q_EMIT rowCountChanged();
-        }
-    };
-    connect(this, &QAbstractItemModel::rowsInserted, this, count_may_have_changed);
-    connect(this, &QAbstractItemModel::rowsRemoved, this, count_may_have_changed);
-    connect(this, &QAbstractItemModel::modelReset, this, count_may_have_changed);
-    connect(this, &QAbstractItemModel::layoutChanged, this, count_may_have_changed);
+    // Told without asking the count: asking would build the proxy's mapping, and a filter
+    // set up afterwards would then take rows out of it one range at a time.
+    connect(this, &QAbstractItemModel::rowsInserted, this, &ObjectListSortFilterProxyModel::rowCountChanged);
+    connect(this, &QAbstractItemModel::rowsRemoved, this, &ObjectListSortFilterProxyModel::rowCountChanged);
+    connect(this, &QAbstractItemModel::modelReset, this, &ObjectListSortFilterProxyModel::rowCountChanged);
 }
 
 QObject* ObjectListSortFilterProxyModel::at(int index) const

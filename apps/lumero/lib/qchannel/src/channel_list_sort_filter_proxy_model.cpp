@@ -2,10 +2,14 @@
 
 #include <qchannel/qchannel.h>
 
+#include <config_items/config_item_variant.h>
+#include <ferrin_core/channel.h>
 #include <qobject_list_model/object_model_utils.h>
 
 #include <QJSValueList>
 #include <QMetaType>
+
+#include <variant>
 
 namespace lum::qchannel {
 
@@ -35,14 +39,21 @@ bool isNumber(const QVariant& value)
 
 QString ChannelListSortFilterProxyModel::itemText(const QChannel& channel, const QString& key)
 {
-    if (!channel.hasConfigItem(key))
+    const std::shared_ptr<ferrin::Channel>& ferrin_channel = channel.ferrinChannel();
+    if (!ferrin_channel)
+        return QString();
+    // One read of the item: filters ask this for every row.
+    const ferrin::ConfigItem item = ferrin_channel->getConfigItem(key.toStdString());
+    if (std::holds_alternative<config_items::InvalidConfigItem>(item))
         return QString();
     if (key == QLatin1String("CAN/MessageID")) {
         bool ok = false;
         const int id = channel.getConfigItem(key).toInt(&ok);
         return ok ? QStringLiteral("0x") + QString::number(id, 16) : QString();
     }
-    return channel.getConfigItemAsString(key);
+    if (const auto* text = std::get_if<config_items::StringConfigItem>(&item))
+        return QString::fromStdString(text->getValue());
+    return QString::fromStdString(channel_config::toString(item));
 }
 
 QStringList ChannelListSortFilterProxyModel::uniqueListForProperty(const QString& key, int maxResults) const
@@ -102,17 +113,29 @@ void ChannelListPropertySortProxyModel::setSourceModel(QAbstractItemModel* sourc
 {
     if (sourceModel() != nullptr)
         disconnect(sourceModel(), nullptr, this, nullptr);
-    m_sort_keys.clear();
+    forgetChannels();
     // Connected ahead of the proxy's own handlers, so that a re-sort after a change never
     // meets a stale key.
     if (source_model != nullptr) {
-        auto forget = [this] { m_sort_keys.clear(); };
+        auto forget = [this] { forgetChannels(); };
         connect(source_model, &QAbstractItemModel::dataChanged, this, forget);
         connect(source_model, &QAbstractItemModel::rowsAboutToBeRemoved, this, forget);
         connect(source_model, &QAbstractItemModel::modelAboutToBeReset, this, forget);
         connect(source_model, &QAbstractItemModel::layoutAboutToBeChanged, this, forget);
     }
     ChannelListSortFilterProxyModel::setSourceModel(source_model);
+}
+
+void ChannelListPropertySortProxyModel::forgetChannels()
+{
+    m_sort_keys.clear();
+    m_accepted.clear();
+}
+
+void ChannelListPropertySortProxyModel::refilter()
+{
+    m_accepted.clear();
+    invalidateFilter();
 }
 
 void ChannelListPropertySortProxyModel::resort()
@@ -145,7 +168,7 @@ void ChannelListPropertySortProxyModel::setSearchString(const QString& search_st
     if (m_search_string == search_string)
         return;
     m_search_string = search_string;
-    invalidateFilter();
+    refilter();
     Q_EMIT searchStringChanged();
 }
 
@@ -154,7 +177,7 @@ void ChannelListPropertySortProxyModel::setSearchedKeys(const QStringList& searc
     if (m_searched_keys == searched_keys)
         return;
     m_searched_keys = searched_keys;
-    invalidateFilter();
+    refilter();
     Q_EMIT searchedKeysChanged();
 }
 
@@ -164,14 +187,14 @@ void ChannelListPropertySortProxyModel::setPropertyFilter(const QString& key, co
     if (it != m_property_filters.end() && it->second == value)
         return;
     m_property_filters[key] = value;
-    invalidateFilter();
+    refilter();
     Q_EMIT filterChanged();
 }
 
 void ChannelListPropertySortProxyModel::clearFilters()
 {
     m_property_filters.clear();
-    invalidateFilter();
+    refilter();
     Q_EMIT filterChanged();
 }
 
@@ -191,14 +214,14 @@ void ChannelListPropertySortProxyModel::setPropertySearchMode(const QString& key
     if (getPropertySearchMode(key) == mode)
         return;
     m_search_modes[key] = mode;
-    invalidateFilter();
+    refilter();
 }
 
 void ChannelListPropertySortProxyModel::setPropertyCustomSearchMode(const QString& key, const QJSValue& f)
 {
     m_search_modes[key] = CUSTOM;
     m_custom_search_functions.insert(key, f);
-    invalidateFilter();
+    refilter();
 }
 
 ChannelListPropertySortProxyModel::SearchMode
@@ -232,6 +255,16 @@ bool ChannelListPropertySortProxyModel::matchesSearch(const QChannel& channel, c
 }
 
 bool ChannelListPropertySortProxyModel::acceptsChannel(const QChannel& channel) const
+{
+    const auto cached = m_accepted.constFind(&channel);
+    if (cached != m_accepted.constEnd())
+        return *cached;
+    const bool accepted = accepts(channel);
+    m_accepted.insert(&channel, accepted);
+    return accepted;
+}
+
+bool ChannelListPropertySortProxyModel::accepts(const QChannel& channel) const
 {
     for (const auto& [key, value] : m_property_filters) {
         if (itemText(channel, key) != value)

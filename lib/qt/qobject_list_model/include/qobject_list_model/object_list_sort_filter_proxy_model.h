@@ -32,6 +32,4 @@ protected:
 
 private:
     bool m_show_children = true;
-    /// The count last told by rowCountChanged.
-    int m_last_count = 0;
 };

@@ -120,6 +120,12 @@ private:
     };
 
     SortKey sortKeyOf(const QModelIndex& source_index) const;
+    /// The filter's answer, worked out anew.
+    bool accepts(const QChannel& channel) const;
+    /// Drops what is known of the channels, as after any change of the source.
+    void forgetChannels();
+    /// Re-filters after a change of the filter's settings.
+    void refilter();
     bool matchesSearch(const QChannel& channel, const QString& key) const;
     void resort();
 
@@ -131,8 +137,11 @@ private:
     std::map<QString, SearchMode> m_search_modes;
     QHash<QString, QJSValue> m_custom_search_functions;
 
-    /// Sort keys by channel; emptied before any change of the source reaches the sorting.
+    /// Sort keys and filter answers by channel, so that a re-sort or a second pass reads
+    /// no item again; emptied before any change of the source reaches the proxy, and
+    /// the answers with any change of the filter.
     mutable QHash<const QObject*, SortKey> m_sort_keys;
+    mutable QHash<const QObject*, bool> m_accepted;
 };
 
 } // namespace lum::qchannel
