@@ -278,6 +278,7 @@ TEST_F(SortProxy, UniqueListsTakeTheRowsThatPass)
 {
     EXPECT_EQ(proxy.uniqueListForProperty("Unit"), QStringList({"V", "Bar", "Km/h"}));
     EXPECT_EQ(proxy.uniqueListForProperty("Ferrin/Name", 2), QStringList({"Delta", "Alpha"}));
+    EXPECT_EQ(proxy.uniqueListForProperty("Ferrin/Name", 1), QStringList({"Delta"}));
     EXPECT_EQ(proxy.uniqueListForProperty("CAN/MessageID", 0), QStringList({"0xff", "0x10"}));
     proxy.setSortProperty("Ferrin/Name");
     proxy.setSearchString("h");
