@@ -7,7 +7,7 @@
 #include <map>
 #include <shared_mutex>
 #include <string>
-#include <vector>
+#include <unordered_map>
 
 namespace lum::data {
 
@@ -65,10 +65,10 @@ private:
     std::atomic<std::uint64_t> m_atomic_extent{0};
     mutable std::shared_mutex m_lock;
     std::uint64_t m_extent = 0;
-    /// Per page: 0 not resident, else the load sequence number when it came in.
-    std::vector<std::uint64_t> m_loaded_at;
+    /// Resident pages only, each with the load sequence number when it came in: the
+    /// extent of a stream of ticks may be vast and mostly empty. Unused with m_keep_all.
+    std::unordered_map<std::uint64_t, std::uint64_t> m_loaded_at;
     std::uint64_t m_sequence = 0;
-    std::size_t m_resident = 0;
     std::uint64_t m_pages_loaded = 0;
     std::multimap<std::string, Reservation> m_reservations;
 };
