@@ -12,29 +12,29 @@ MemoryLoader::MemoryLoader(std::uint64_t page_size, std::uint64_t resident_pages
 
 void MemoryLoader::setExtent(std::uint64_t extent)
 {
-    std::unique_lock lock(m_lock);
-    if (extent <= m_extent)
-        return;
-    if (m_keep_all.load(std::memory_order_relaxed)) {
-        const std::uint64_t pages = (extent + m_page_size - 1) / m_page_size;
-        m_pages_loaded += pages - (m_extent + m_page_size - 1) / m_page_size;
-    }
-    m_extent = extent;
-    m_atomic_extent.store(extent, std::memory_order_release);
+    // One writer grows the extent, once per sample: no lock, as nothing else changes.
+    if (extent > m_extent.load(std::memory_order_relaxed))
+        m_extent.store(extent, std::memory_order_release);
 }
 
 std::uint64_t MemoryLoader::extent() const
 {
-    std::shared_lock lock(m_lock);
-    return m_extent;
+    return m_extent.load(std::memory_order_acquire);
+}
+
+std::uint64_t MemoryLoader::pagesOf(std::uint64_t extent) const
+{
+    return extent / m_page_size + (extent % m_page_size != 0 ? 1 : 0);
 }
 
 bool MemoryLoader::isResident(std::uint64_t position) const
 {
+    if (position >= extent())
+        return false;
     if (m_keep_all.load(std::memory_order_acquire))
-        return position < m_atomic_extent.load(std::memory_order_acquire);
+        return true;
     std::shared_lock lock(m_lock);
-    return position < m_extent && m_loaded_at.count(position / m_page_size) != 0;
+    return m_loaded_at.count(position / m_page_size) != 0;
 }
 
 void MemoryLoader::loadAll()
@@ -43,8 +43,8 @@ void MemoryLoader::loadAll()
     if (m_keep_all.load(std::memory_order_relaxed))
         return;
     m_budget = 0;
-    const std::uint64_t pages = (m_extent + m_page_size - 1) / m_page_size;
-    m_pages_loaded += pages - m_loaded_at.size();
+    m_keep_all_from = pagesOf(extent());
+    m_pages_loaded += m_keep_all_from - m_loaded_at.size();
     m_loaded_at.clear();
     m_keep_all.store(true, std::memory_order_release);
 }
@@ -75,12 +75,13 @@ bool MemoryLoader::release(const ferrin::DataSource&, ferrin::Tick first, ferrin
 
 bool MemoryLoader::load(const ferrin::DataSource&, ferrin::Tick first, ferrin::Tick last)
 {
-    std::unique_lock lock(m_lock);
-    if (last < first || first >= m_extent)
+    const std::uint64_t end = extent();
+    if (last < first || first >= end)
         return false;
-    if (m_keep_all.load(std::memory_order_relaxed))
+    if (m_keep_all.load(std::memory_order_acquire))
         return true;
-    last = std::min<ferrin::Tick>(last, m_extent - 1);
+    std::unique_lock lock(m_lock);
+    last = std::min<ferrin::Tick>(last, end - 1);
     const std::uint64_t first_page = first / m_page_size;
     const std::uint64_t last_page = last / m_page_size;
     for (std::uint64_t page = first_page; page <= last_page; ++page) {
@@ -132,15 +133,18 @@ std::size_t MemoryLoader::reservationCount(const std::string& owner) const
 
 std::size_t MemoryLoader::residentPageCount() const
 {
+    if (m_keep_all.load(std::memory_order_acquire))
+        return static_cast<std::size_t>(pagesOf(extent()));
     std::shared_lock lock(m_lock);
-    if (m_keep_all.load(std::memory_order_relaxed))
-        return static_cast<std::size_t>((m_extent + m_page_size - 1) / m_page_size);
     return m_loaded_at.size();
 }
 
 std::uint64_t MemoryLoader::pagesLoaded() const
 {
     std::shared_lock lock(m_lock);
+    // With everything kept, pages come in as the extent grows.
+    if (m_keep_all.load(std::memory_order_acquire))
+        return m_pages_loaded + pagesOf(extent()) - m_keep_all_from;
     return m_pages_loaded;
 }
 

@@ -29,12 +29,10 @@ void MemoryReducedStream::append(std::uint64_t index, const ferrin::ReducedValue
 
 void MemoryReducedStream::setEntryCount(std::uint64_t count)
 {
-    {
-        std::unique_lock lock(m_lock);
-        if (count <= m_count)
-            return;
-        m_count = count;
-    }
+    // One writer; entries it counts are stored before (or answered by the fallback).
+    if (count <= m_count.load(std::memory_order_relaxed))
+        return;
+    m_count.store(count, std::memory_order_release);
     m_loader.setExtent(count);
 }
 
@@ -46,18 +44,17 @@ std::size_t MemoryReducedStream::storedCount() const
 
 std::uint64_t MemoryReducedStream::entryCount() const
 {
-    std::shared_lock lock(m_lock);
-    return m_count;
+    return m_count.load(std::memory_order_acquire);
 }
 
 bool MemoryReducedStream::readEntry(std::uint64_t index, std::uint8_t* out) const
 {
     if (!out || !m_loader.isResident(index))
         return false;
+    if (index >= entryCount())
+        return false;
     {
         std::shared_lock lock(m_lock);
-        if (index >= m_count)
-            return false;
         const auto it = std::lower_bound(m_indices.begin(), m_indices.end(), index);
         if (it != m_indices.end() && *it == index) {
             ferrin::encodeReducedEntry(m_entries[static_cast<std::size_t>(it - m_indices.begin())], out);

@@ -4,6 +4,7 @@
 
 #include <ferrin_core/data_source.h>
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <shared_mutex>
@@ -55,7 +56,7 @@ private:
     mutable std::shared_mutex m_lock;
     std::vector<std::uint64_t> m_indices;
     std::vector<ferrin::ReducedValue> m_entries;
-    std::uint64_t m_count = 0;
+    std::atomic<std::uint64_t> m_count{0};
     Fallback m_fallback;
     MemoryLoader m_loader;
 };
