@@ -42,7 +42,6 @@ void MemoryLoader::loadAll()
     std::unique_lock lock(m_lock);
     if (m_keep_all.load(std::memory_order_relaxed))
         return;
-    m_budget = 0;
     m_keep_all_from = pagesOf(extent());
     m_pages_loaded += m_keep_all_from - m_loaded_at.size();
     m_loaded_at.clear();

@@ -75,12 +75,10 @@ void ReductionBuilder::flush(std::size_t level)
     if (here.current.count >= m_min_count)
         m_streams[level]->append(here.index, here.current.value());
     if (level + 1 < m_levels.size()) {
+        // The block above is this one's own: the completeUpTo() that began this block
+        // (add() calls it on every change of block) closed any earlier one above.
         Level& above = m_levels[level + 1];
-        const std::uint64_t target = here.index / m_block;
-        // A block above that this one does not belong to ended before it.
-        if (above.current.count > 0 && above.index != target)
-            flush(level + 1);
-        above.index = target;
+        above.index = here.index / m_block;
         above.current.merge(here.current);
     }
     here.current = ReducedAccumulator{};

@@ -61,7 +61,7 @@ private:
     void enforceBudgetLocked(std::uint64_t keep_first_page, std::uint64_t keep_last_page);
 
     const std::uint64_t m_page_size;
-    std::uint64_t m_budget;
+    const std::uint64_t m_budget;
     /// Set by loadAll(); with it, residency is the extent alone and needs no lock.
     std::atomic<bool> m_keep_all{false};
     std::atomic<std::uint64_t> m_extent{0};
