@@ -27,21 +27,21 @@ __extension__ typedef unsigned __int128 Wide;
 /// fast. Null when out of its range (9 decimals at most, below 1e9).
 char* fixedDecimal(double value, int precision, char* out)
 {
-    static const std::uint64_t SCALE[] = {1,      10,      100,      1000,      10000,
-                                          100000, 1000000, 10000000, 100000000, 1000000000};
     const double magnitude = std::fabs(value);
     if (!(magnitude < 1e9) || precision < 0 || precision > 9)
         return nullptr;
+    std::uint64_t scale = 1;
+    for (int i = 0; i < precision; ++i)
+        scale *= 10;
     std::uint64_t bits;
     std::memcpy(&bits, &magnitude, sizeof bits);
-    const int biased = static_cast<int>(bits >> 52);
-    // magnitude = mantissa * 2^-shift, with shift above 0 below 1e9.
-    const std::uint64_t mantissa =
-        (bits & ((std::uint64_t{1} << 52) - 1)) | (biased != 0 ? std::uint64_t{1} << 52 : 0);
-    const int shift = 1075 - (biased != 0 ? biased : 1);
+    // magnitude = mantissa * 2^-shift, with shift above 0 below 1e9; zero and numbers too
+    // small to show (subnormal ones among them) have a shift beyond the product's width.
+    const std::uint64_t mantissa = (bits & ((std::uint64_t{1} << 52) - 1)) | std::uint64_t{1} << 52;
+    const int shift = 1075 - static_cast<int>(bits >> 52);
     std::uint64_t scaled = 0;
     if (shift < 120) {
-        const Wide product = Wide{mantissa} * SCALE[precision];
+        const Wide product = Wide{mantissa} * scale;
         scaled = static_cast<std::uint64_t>(product >> shift);
         const Wide rest = product & ((Wide{1} << shift) - 1);
         const Wide half = Wide{1} << (shift - 1);
@@ -50,8 +50,8 @@ char* fixedDecimal(double value, int precision, char* out)
     }
     if (std::signbit(value))
         *out++ = '-';
-    std::uint64_t fraction = scaled % SCALE[precision];
-    out = std::to_chars(out, out + 24, scaled / SCALE[precision]).ptr;
+    std::uint64_t fraction = scaled % scale;
+    out = std::to_chars(out, out + 24, scaled / scale).ptr;
     if (precision > 0) {
         *out++ = '.';
         for (int i = precision - 1; i >= 0; --i) {
