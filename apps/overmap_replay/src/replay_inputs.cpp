@@ -89,7 +89,8 @@ LoadedRecordings loadRecordings(const std::vector<std::string>& paths)
             loaded.stem.pop_back();
         loaded.node_id = options.node_id;
         for (const lum::import::ImportedChannel& channel : recording.channels) {
-            loaded.channel_names.push_back(channel.name);
+            // A channel without samples got no channel object: the scene must not ask for it.
+            loaded.channel_names.push_back(channel.times.empty() ? std::string() : channel.name);
             if (!channel.times.empty())
                 result.end_time = std::max(result.end_time, offset + channel.times.back());
         }

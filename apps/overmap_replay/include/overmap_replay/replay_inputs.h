@@ -20,7 +20,7 @@ struct LoadedRecording
     std::string path;
     std::string stem;                       ///< file name without folder and extension
     std::uint32_t node_id = 0;              ///< 1 for the first recording, 2 for the second, ...
-    std::vector<std::string> channel_names; ///< in channel order
+    std::vector<std::string> channel_names; ///< in channel order; empty for one without samples
     /// The first sample with both latitude and longitude, when there is one.
     std::optional<math_geo::GeoPosition> first_position;
 };

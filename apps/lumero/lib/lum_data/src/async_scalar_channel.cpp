@@ -62,9 +62,23 @@ AsyncScalarChannel::create(ferrin::ChannelSetup setup, std::shared_ptr<ferrin::D
                            std::uint64_t stream_id, const MemoryChannelOptions& options)
 {
     auto source = std::make_shared<MemoryDataSource>(stream_id, regions, detail::makeSampleLoader(options));
-    ReductionBuilder reduction = detail::makeReducedStreams(*source, {ferrin::REDUCED_KIND_TICKS}, options);
+    // Blocks of one sample are read from the sample itself rather than stored: at a few
+    // samples per second nearly every block of ticks holds one sample or none.
+    ReductionBuilder reduction =
+        detail::makeReducedStreams(*source, {ferrin::REDUCED_KIND_TICKS}, options, 2);
     auto stream = std::make_shared<daq::AsyncSampleStream>(
         daq::AsyncSampleLayout::fixedSize(TIMESTAMP_SIZE, sizeof(double)));
+    for (std::uint32_t level = 1; level <= reduction.streams().size(); ++level) {
+        const std::uint64_t factor = reduction.factor(level);
+        reduction.streams()[level - 1]->setFallback([stream, factor](std::uint64_t index) {
+            ReducedAccumulator single;
+            const daq::AsyncSampleIterator it =
+                daq::createIterator(stream, (index + 1) * factor - 1, daq::SEEK_AT_OR_BEFORE);
+            if (it.isValid() && it.getTimestamp() >= index * factor)
+                single.add(readValue(it.GetValue()));
+            return single.value();
+        });
+    }
     setup.regions_manager = regions;
     setup.sample_occurrence = ferrin::OCCURRENCE_ASYNC;
     setup.sample_dimension = 1;

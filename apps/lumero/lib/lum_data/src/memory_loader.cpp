@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <vector>
 
 namespace lum::data {
 
@@ -11,49 +12,40 @@ MemoryLoader::MemoryLoader(std::uint64_t page_size, std::uint64_t resident_pages
 
 void MemoryLoader::setExtent(std::uint64_t extent)
 {
-    std::unique_lock lock(m_lock);
-    if (extent <= m_extent)
-        return;
-    m_extent = extent;
-    m_atomic_extent.store(extent, std::memory_order_release);
-    const std::size_t old_pages = m_loaded_at.size();
-    m_loaded_at.resize((extent + m_page_size - 1) / m_page_size, 0);
-    if (m_keep_all.load(std::memory_order_relaxed)) {
-        for (std::size_t page = old_pages; page < m_loaded_at.size(); ++page) {
-            m_loaded_at[page] = ++m_sequence;
-            ++m_resident;
-            ++m_pages_loaded;
-        }
-    }
+    // One writer grows the extent, once per sample: no lock, as nothing else changes.
+    if (extent > m_extent.load(std::memory_order_relaxed))
+        m_extent.store(extent, std::memory_order_release);
 }
 
 std::uint64_t MemoryLoader::extent() const
 {
-    std::shared_lock lock(m_lock);
-    return m_extent;
+    return m_extent.load(std::memory_order_acquire);
+}
+
+std::uint64_t MemoryLoader::pagesOf(std::uint64_t extent) const
+{
+    return extent / m_page_size + (extent % m_page_size != 0 ? 1 : 0);
 }
 
 bool MemoryLoader::isResident(std::uint64_t position) const
 {
+    if (position >= extent())
+        return false;
     if (m_keep_all.load(std::memory_order_acquire))
-        return position < m_atomic_extent.load(std::memory_order_acquire);
+        return true;
     std::shared_lock lock(m_lock);
-    const std::uint64_t page = position / m_page_size;
-    return position < m_extent && m_loaded_at[page] != 0;
+    return m_loaded_at.count(position / m_page_size) != 0;
 }
 
 void MemoryLoader::loadAll()
 {
     std::unique_lock lock(m_lock);
-    m_budget = 0;
+    if (m_keep_all.load(std::memory_order_relaxed))
+        return;
+    m_keep_all_from = pagesOf(extent());
+    m_pages_loaded += m_keep_all_from - m_loaded_at.size();
+    m_loaded_at.clear();
     m_keep_all.store(true, std::memory_order_release);
-    for (std::uint64_t& loaded_at : m_loaded_at) {
-        if (loaded_at == 0) {
-            loaded_at = ++m_sequence;
-            ++m_resident;
-            ++m_pages_loaded;
-        }
-    }
 }
 
 bool MemoryLoader::reserve(const ferrin::DataSource&, ferrin::Tick first, ferrin::Tick last,
@@ -82,18 +74,20 @@ bool MemoryLoader::release(const ferrin::DataSource&, ferrin::Tick first, ferrin
 
 bool MemoryLoader::load(const ferrin::DataSource&, ferrin::Tick first, ferrin::Tick last)
 {
-    std::unique_lock lock(m_lock);
-    if (last < first || first >= m_extent)
+    const std::uint64_t end = extent();
+    if (last < first || first >= end)
         return false;
-    last = std::min<ferrin::Tick>(last, m_extent - 1);
+    if (m_keep_all.load(std::memory_order_acquire))
+        return true;
+    std::unique_lock lock(m_lock);
+    last = std::min<ferrin::Tick>(last, end - 1);
     const std::uint64_t first_page = first / m_page_size;
     const std::uint64_t last_page = last / m_page_size;
     for (std::uint64_t page = first_page; page <= last_page; ++page) {
-        if (m_loaded_at[page] == 0) {
-            ++m_resident;
+        const auto [it, added] = m_loaded_at.try_emplace(page, 0);
+        if (added)
             ++m_pages_loaded;
-        }
-        m_loaded_at[page] = ++m_sequence;
+        it->second = ++m_sequence;
     }
     enforceBudgetLocked(first_page, last_page);
     return true;
@@ -112,22 +106,21 @@ bool MemoryLoader::isReservedLocked(std::uint64_t page) const
 
 void MemoryLoader::enforceBudgetLocked(std::uint64_t keep_first_page, std::uint64_t keep_last_page)
 {
-    if (m_budget == 0 || m_resident <= m_budget)
+    if (m_budget == 0 || m_loaded_at.size() <= m_budget)
         return;
     // Candidates: resident, not just loaded, not reserved; the oldest go first.
     std::vector<std::pair<std::uint64_t, std::uint64_t>> candidates; // (loaded at, page)
-    for (std::uint64_t page = 0; page < m_loaded_at.size(); ++page) {
-        if (m_loaded_at[page] == 0 || (page >= keep_first_page && page <= keep_last_page))
+    for (const auto& [page, loaded_at] : m_loaded_at) {
+        if (page >= keep_first_page && page <= keep_last_page)
             continue;
         if (!isReservedLocked(page))
-            candidates.emplace_back(m_loaded_at[page], page);
+            candidates.emplace_back(loaded_at, page);
     }
     std::sort(candidates.begin(), candidates.end());
     for (const auto& [loaded_at, page] : candidates) {
-        if (m_resident <= m_budget)
+        if (m_loaded_at.size() <= m_budget)
             break;
-        m_loaded_at[page] = 0;
-        --m_resident;
+        m_loaded_at.erase(page);
     }
 }
 
@@ -139,13 +132,18 @@ std::size_t MemoryLoader::reservationCount(const std::string& owner) const
 
 std::size_t MemoryLoader::residentPageCount() const
 {
+    if (m_keep_all.load(std::memory_order_acquire))
+        return static_cast<std::size_t>(pagesOf(extent()));
     std::shared_lock lock(m_lock);
-    return m_resident;
+    return m_loaded_at.size();
 }
 
 std::uint64_t MemoryLoader::pagesLoaded() const
 {
     std::shared_lock lock(m_lock);
+    // With everything kept, pages come in as the extent grows.
+    if (m_keep_all.load(std::memory_order_acquire))
+        return m_pages_loaded + pagesOf(extent()) - m_keep_all_from;
     return m_pages_loaded;
 }
 

@@ -1,5 +1,7 @@
 #include <lum_data/memory_reduced_stream.h>
 
+#include <algorithm>
+#include <limits>
 #include <mutex>
 
 namespace lum::data {
@@ -10,29 +12,61 @@ MemoryReducedStream::MemoryReducedStream(std::uint64_t page_size, std::uint64_t 
 
 void MemoryReducedStream::append(const ferrin::ReducedValue& value)
 {
-    std::uint64_t count = 0;
+    append(entryCount(), value);
+}
+
+void MemoryReducedStream::append(std::uint64_t index, const ferrin::ReducedValue& value)
+{
     {
         std::unique_lock lock(m_lock);
+        if (!m_indices.empty() && index <= m_indices.back())
+            return;
+        m_indices.push_back(index);
         m_entries.push_back(value);
-        count = m_entries.size();
     }
+    setEntryCount(index + 1);
+}
+
+void MemoryReducedStream::setEntryCount(std::uint64_t count)
+{
+    // One writer; entries it counts are stored before (or answered by the fallback).
+    if (count <= m_count.load(std::memory_order_relaxed))
+        return;
+    m_count.store(count, std::memory_order_release);
     m_loader.setExtent(count);
+}
+
+std::size_t MemoryReducedStream::storedCount() const
+{
+    std::shared_lock lock(m_lock);
+    return m_entries.size();
 }
 
 std::uint64_t MemoryReducedStream::entryCount() const
 {
-    std::shared_lock lock(m_lock);
-    return m_entries.size();
+    return m_count.load(std::memory_order_acquire);
 }
 
 bool MemoryReducedStream::readEntry(std::uint64_t index, std::uint8_t* out) const
 {
     if (!out || !m_loader.isResident(index))
         return false;
-    std::shared_lock lock(m_lock);
-    if (index >= m_entries.size())
+    if (index >= entryCount())
         return false;
-    ferrin::encodeReducedEntry(m_entries[index], out);
+    {
+        std::shared_lock lock(m_lock);
+        const auto it = std::lower_bound(m_indices.begin(), m_indices.end(), index);
+        if (it != m_indices.end() && *it == index) {
+            ferrin::encodeReducedEntry(m_entries[static_cast<std::size_t>(it - m_indices.begin())], out);
+            return true;
+        }
+    }
+    if (m_fallback) {
+        ferrin::encodeReducedEntry(m_fallback(index), out);
+    } else {
+        const double nan = std::numeric_limits<double>::quiet_NaN();
+        ferrin::encodeReducedEntry(ferrin::ReducedValue{nan, nan, nan, nan}, out);
+    }
     return true;
 }
 

@@ -11,10 +11,11 @@
 namespace lum::data::detail {
 
 /// Makes the reduced streams the options ask for, registers them with @p source under
-/// each of @p kinds and returns the builder that fills them.
+/// each of @p kinds and returns the builder that fills them (see ReductionBuilder for
+/// @p min_count).
 inline ReductionBuilder makeReducedStreams(MemoryDataSource& source,
                                            std::initializer_list<std::uint32_t> kinds,
-                                           const MemoryChannelOptions& options)
+                                           const MemoryChannelOptions& options, std::uint64_t min_count = 1)
 {
     std::vector<std::shared_ptr<MemoryReducedStream>> streams;
     for (std::uint32_t level = 1; level <= options.reduction_levels; ++level) {
@@ -24,11 +25,9 @@ inline ReductionBuilder makeReducedStreams(MemoryDataSource& source,
             stream->loader().loadAll();
         streams.push_back(std::move(stream));
     }
-    ReductionBuilder builder(options.reduction_block, streams);
-    for (std::uint32_t level = 1; level <= streams.size(); ++level) {
+    ReductionBuilder builder(options.reduction_block, streams, min_count);
+    for (std::uint32_t level = 1; level <= builder.streams().size(); ++level) {
         const std::uint64_t factor = builder.factor(level);
-        if (factor == 0)
-            break;
         for (std::uint32_t kind : kinds)
             source.addReducedStream(kind, level, factor, streams[level - 1]);
     }

@@ -1,7 +1,5 @@
 #include <lum_data/reduction_builder.h>
 
-#include <uni_base/uni_log.h>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -47,60 +45,69 @@ ferrin::ReducedValue ReducedAccumulator::value() const
 }
 
 ReductionBuilder::ReductionBuilder(std::uint64_t block,
-                                   std::vector<std::shared_ptr<MemoryReducedStream>> streams)
-    : m_block(std::max<std::uint64_t>(block, 2)), m_streams(std::move(streams)), m_current(m_streams.size()),
-      m_written(m_streams.size(), 0)
-{}
+                                   std::vector<std::shared_ptr<MemoryReducedStream>> streams,
+                                   std::uint64_t min_count)
+    : m_block(std::max<std::uint64_t>(block, 2)), m_min_count(std::max<std::uint64_t>(min_count, 1)),
+      m_streams(std::move(streams))
+{
+    std::uint64_t factor = 1;
+    for (std::size_t level = 0; level < m_streams.size(); ++level) {
+        // Levels whose factor would overflow are never reached by a position.
+        if (factor > std::numeric_limits<std::uint64_t>::max() / m_block) {
+            m_streams.resize(level);
+            break;
+        }
+        factor *= m_block;
+        m_levels.push_back(Level{factor, 0, ReducedAccumulator{}});
+    }
+}
 
 std::uint64_t ReductionBuilder::factor(std::uint32_t level) const
 {
-    if (level == 0 || level > m_streams.size())
+    if (level == 0 || level > m_levels.size())
         return 0;
-    std::uint64_t factor = 1;
-    for (std::uint32_t i = 0; i < level; ++i) {
-        if (factor > std::numeric_limits<std::uint64_t>::max() / m_block)
-            return 0;
-        factor *= m_block;
-    }
-    return factor;
+    return m_levels[level - 1].factor;
 }
 
-void ReductionBuilder::writeEntry(std::size_t level)
+void ReductionBuilder::flush(std::size_t level)
 {
-    m_streams[level]->append(m_current[level].value());
-    ++m_written[level];
-    if (level + 1 < m_streams.size())
-        m_current[level + 1].merge(m_current[level]);
-    m_current[level] = ReducedAccumulator{};
-    if (level + 1 < m_streams.size() && m_written[level] % m_block == 0)
-        writeEntry(level + 1);
+    Level& here = m_levels[level];
+    if (here.current.count >= m_min_count)
+        m_streams[level]->append(here.index, here.current.value());
+    if (level + 1 < m_levels.size()) {
+        // The block above is this one's own: the completeUpTo() that began this block
+        // (add() calls it on every change of block) closed any earlier one above.
+        Level& above = m_levels[level + 1];
+        above.index = here.index / m_block;
+        above.current.merge(here.current);
+    }
+    here.current = ReducedAccumulator{};
 }
 
 void ReductionBuilder::completeUpTo(std::uint64_t end)
 {
-    if (m_stopped || m_streams.empty())
-        return;
-    const std::uint64_t complete = end / m_block;
-    if (complete > m_written_level1 && complete - m_written_level1 > MAX_EMPTY_ENTRIES) {
-        UNI_LOG("lum_data", SEV_ERROR)
-            << "reduction stopped: a gap of " << (complete - m_written_level1) << " empty blocks";
-        m_stopped = true;
-        return;
+    for (std::size_t level = 0; level < m_levels.size(); ++level) {
+        Level& here = m_levels[level];
+        const std::uint64_t complete = end / here.factor;
+        if (here.current.count > 0 && here.index < complete)
+            flush(level);
+        m_streams[level]->setEntryCount(complete);
     }
-    while (m_written_level1 < complete) {
-        writeEntry(0);
-        ++m_written_level1;
-    }
+    if (!m_levels.empty())
+        m_complete_level1 = std::max(m_complete_level1, end / m_block);
 }
 
 void ReductionBuilder::add(std::uint64_t position, double value)
 {
-    if (m_stopped || m_streams.empty() || position < m_last_position)
+    if (m_levels.empty() || position < m_last_position)
         return;
     m_last_position = position;
-    completeUpTo(position - position % m_block);
-    if (!m_stopped)
-        m_current[0].add(value);
+    Level& first = m_levels.front();
+    const std::uint64_t index = position / m_block;
+    if (first.index != index)
+        completeUpTo(position - position % m_block);
+    first.index = index;
+    first.current.add(value);
 }
 
 } // namespace lum::data

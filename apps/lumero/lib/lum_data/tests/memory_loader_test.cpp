@@ -77,11 +77,15 @@ TEST_F(LoaderTest, ReleaseMustMatchOwnerAndRange)
 
 TEST_F(LoaderTest, LoadAllLiftsTheBudget)
 {
+    m_loader->load(m_source, 0, 0);
     m_loader->loadAll();
     EXPECT_EQ(m_loader->residentPageCount(), 10u);
+    EXPECT_EQ(m_loader->pagesLoaded(), 10u) << "the page loaded before counts once";
     m_loader->load(m_source, 0, 0);
     EXPECT_EQ(m_loader->residentPageCount(), 10u);
     EXPECT_TRUE(m_loader->isResident(999));
+    m_loader->setExtent(1001);
+    EXPECT_EQ(m_loader->pagesLoaded(), 11u) << "a page that comes with the extent";
 }
 
 } // namespace

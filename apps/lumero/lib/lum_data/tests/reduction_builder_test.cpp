@@ -111,14 +111,45 @@ TEST(ReductionBuilder, LevelsAgreeWithBruteForceOnIrregularData)
     EXPECT_EQ(builder.factor(4), 0u);
 }
 
-TEST(ReductionBuilder, AHugeGapStopsTheReductionInsteadOfFillingMemory)
+TEST(ReductionBuilder, AHugeGapIsCountedButNotStored)
 {
     auto level1 = std::make_shared<MemoryReducedStream>();
-    ReductionBuilder builder(10, {level1});
-    builder.add(0, 1.0);
-    builder.add(std::uint64_t{1} << 62, 2.0);
-    EXPECT_TRUE(builder.isStopped());
-    EXPECT_EQ(level1->entryCount(), 0u);
+    auto level2 = std::make_shared<MemoryReducedStream>();
+    level1->loader().loadAll();
+    level2->loader().loadAll();
+    ReductionBuilder builder(10, {level1, level2});
+    const std::uint64_t far = std::uint64_t{1} << 62;
+    for (std::uint64_t position : {0, 1, 15, 16, 25})
+        builder.add(position, 1.0);
+    builder.add(far, 2.0);
+    builder.add(far + 1, 4.0);
+    builder.completeUpTo(far + 10);
+    EXPECT_EQ(level1->entryCount(), far / 10 + 1);
+    EXPECT_EQ(level2->entryCount(), far / 100);
+    EXPECT_EQ(level1->storedCount(), 4u) << "only blocks holding samples";
+    EXPECT_EQ(level2->storedCount(), 1u) << "the last block of level 2 is not complete";
+    expectSame(readEntry(*level1, far / 20), expected({}, 0, 0), "inside the gap");
+    expectSame(readEntry(*level2, far / 200), expected({}, 0, 0), "inside the gap, level 2");
+    expectSame(readEntry(*level1, far / 10), ferrin::ReducedValue{2, 4, 3, std::sqrt(10.0)}, "after it");
+    expectSame(readEntry(*level2, 0), ferrin::ReducedValue{1, 1, 1, 1}, "before it");
+}
+
+TEST(ReductionBuilder, BlocksBelowTheLeastCountComeFromTheFallback)
+{
+    auto level1 = std::make_shared<MemoryReducedStream>();
+    level1->loader().loadAll();
+    level1->setFallback([](std::uint64_t index) {
+        const double marker = static_cast<double>(index);
+        return ferrin::ReducedValue{marker, marker, marker, marker};
+    });
+    ReductionBuilder builder(10, {level1}, 2);
+    for (std::uint64_t position : {3, 12, 17, 45})
+        builder.add(position, 8.0);
+    builder.completeUpTo(50);
+    EXPECT_EQ(level1->storedCount(), 1u);
+    EXPECT_EQ(readEntry(*level1, 0).max, 0.0) << "one sample: the fallback";
+    EXPECT_EQ(readEntry(*level1, 1).max, 8.0) << "two samples: stored";
+    EXPECT_EQ(readEntry(*level1, 3).max, 3.0) << "no sample: the fallback";
 }
 
 TEST(MemoryReducedStream, EntriesAreReadableOnlyWhileResident)

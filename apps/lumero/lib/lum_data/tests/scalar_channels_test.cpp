@@ -307,6 +307,41 @@ TEST_F(AsyncChannelTest, MinMaxCalculationsAndReducedEntriesMatchBruteForce)
         << "blocks of samples have no place on the tick axis";
 }
 
+TEST(AsyncChannelSparse, ReducedEntriesOfLoneSamplesAndGapsMatchBruteForce)
+{
+    // A receiver at about 1 Hz on a 1 MHz clock, with gaps of minutes: nearly every block
+    // of ticks holds one sample or none, some hold two.
+    auto time_base = std::make_shared<MemoryTimeBase>(1048576.0, 0.0);
+    std::vector<AsyncScalarChannel::TimedValue> samples;
+    Reference ref;
+    Tick tick = 70;
+    for (int i = 0; i < 600; ++i) {
+        tick += i % 100 == 99 ? 600000000 : (i % 7 == 0 ? 3 : 1048576);
+        samples.emplace_back(tick, std::sin(i) * 50.0);
+        ref.add(tick, samples.back().second, *time_base);
+    }
+    const auto channel = AsyncScalarChannel::create(setupWith(time_base, 9), samples,
+                                                    std::make_shared<ferrin::DataRegionsManager>(), 22);
+    for (const std::uint32_t level : {1u, 2u}) {
+        const Tick factor = level == 1 ? 64 : 4096;
+        std::vector<Tick> probes;
+        for (std::size_t i = 0; i < samples.size(); i += 5)
+            for (const Tick offset : {Tick{0}, factor, factor * 3 + 1, Tick{300000000}})
+                probes.push_back(samples[i].first + offset);
+        for (const Tick probe : probes) {
+            const auto reduced = channel->getReducedValueAtTime(ferrin::tickToTime(probe, *time_base), level,
+                                                                ferrin::REDUCED_KIND_TICKS, false);
+            if (probe < factor || probe / factor - 1 >= tick / factor) {
+                EXPECT_FALSE(reduced) << "no complete entry before " << probe;
+                continue;
+            }
+            const Tick entry = probe / factor - 1;
+            expectSummary(reduced, ref.summary(entry * factor, entry * factor + factor - 1),
+                          "level " + std::to_string(level) + " tick " + std::to_string(probe));
+        }
+    }
+}
+
 TEST_F(AsyncChannelTest, IteratorWalksTheStreamInOrder)
 {
     auto it = m_channel->getSampleIterator(m_ref.ticks[100] + 1, daq::SEEK_AT_OR_AFTER);

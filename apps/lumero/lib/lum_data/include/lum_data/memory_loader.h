@@ -7,7 +7,7 @@
 #include <map>
 #include <shared_mutex>
 #include <string>
-#include <vector>
+#include <unordered_map>
 
 namespace lum::data {
 
@@ -25,7 +25,8 @@ public:
     /// @param resident_pages most pages resident at a time; 0 for no limit
     MemoryLoader(std::uint64_t page_size, std::uint64_t resident_pages);
 
-    /// Positions [0, extent) exist; loading beyond them fails. Only grows.
+    /// Positions [0, extent) exist; loading beyond them fails. Only grows; called by
+    /// one writer at a time.
     void setExtent(std::uint64_t extent);
     std::uint64_t extent() const;
 
@@ -56,19 +57,21 @@ private:
     };
 
     bool isReservedLocked(std::uint64_t page) const;
+    std::uint64_t pagesOf(std::uint64_t extent) const;
     void enforceBudgetLocked(std::uint64_t keep_first_page, std::uint64_t keep_last_page);
 
     const std::uint64_t m_page_size;
-    std::uint64_t m_budget;
+    const std::uint64_t m_budget;
     /// Set by loadAll(); with it, residency is the extent alone and needs no lock.
     std::atomic<bool> m_keep_all{false};
-    std::atomic<std::uint64_t> m_atomic_extent{0};
+    std::atomic<std::uint64_t> m_extent{0};
+    /// Pages of the extent when loadAll() was called.
+    std::uint64_t m_keep_all_from = 0;
     mutable std::shared_mutex m_lock;
-    std::uint64_t m_extent = 0;
-    /// Per page: 0 not resident, else the load sequence number when it came in.
-    std::vector<std::uint64_t> m_loaded_at;
+    /// Resident pages only, each with the load sequence number when it came in: the
+    /// extent of a stream of ticks may be vast and mostly empty. Unused with m_keep_all.
+    std::unordered_map<std::uint64_t, std::uint64_t> m_loaded_at;
     std::uint64_t m_sequence = 0;
-    std::size_t m_resident = 0;
     std::uint64_t m_pages_loaded = 0;
     std::multimap<std::string, Reservation> m_reservations;
 };

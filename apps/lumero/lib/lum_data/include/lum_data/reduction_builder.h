@@ -28,18 +28,17 @@ struct ReducedAccumulator
 /// Feeds reduced streams of several levels from samples in position order. Level 1
 /// entry e summarises positions [e * block, (e + 1) * block - 1]; each further level
 /// summarises `block` entries of the level below. An entry is written only when it is
-/// complete: when a later position arrives or completeUpTo() passes its end. Blocks
-/// without samples give entries of NaN.
+/// complete: when a later position arrives or completeUpTo() passes its end. Only blocks
+/// holding at least `min_count` samples are stored; the streams count the others, which
+/// read as NaN (empty) or through the stream's fallback, so that gaps cost nothing.
 class ReductionBuilder
 {
 public:
-    /// Gaps longer than this many empty level-1 entries stop the reduction (reported)
-    /// rather than filling memory with empty entries.
-    static constexpr std::uint64_t MAX_EMPTY_ENTRIES = std::uint64_t{1} << 24;
-
-    /// @param block   positions per level-1 entry, and entries per entry of each level above (at least 2)
-    /// @param streams one stream per level, level 1 first
-    ReductionBuilder(std::uint64_t block, std::vector<std::shared_ptr<MemoryReducedStream>> streams);
+    /// @param block     positions per level-1 entry, and entries per entry of each level above (at least 2)
+    /// @param streams   one stream per level, level 1 first
+    /// @param min_count fewest samples of a block that is stored (at least 1)
+    ReductionBuilder(std::uint64_t block, std::vector<std::shared_ptr<MemoryReducedStream>> streams,
+                     std::uint64_t min_count = 1);
 
     /// Positions must not go backwards; a position behind the last one is ignored.
     void add(std::uint64_t position, double value);
@@ -48,20 +47,27 @@ public:
 
     /// Positions per entry of @p level (1 = block); 0 beyond the levels built.
     std::uint64_t factor(std::uint32_t level) const;
-    /// Positions whose level-1 entries are written: [0, coveredEnd()).
-    std::uint64_t coveredEnd() const { return m_written_level1 * m_block; }
-    bool isStopped() const { return m_stopped; }
+    /// Positions whose level-1 entries are complete: [0, coveredEnd()).
+    std::uint64_t coveredEnd() const { return m_complete_level1 * m_block; }
+    const std::vector<std::shared_ptr<MemoryReducedStream>>& streams() const { return m_streams; }
 
 private:
-    void writeEntry(std::size_t level);
+    struct Level
+    {
+        std::uint64_t factor;
+        std::uint64_t index = 0;
+        ReducedAccumulator current;
+    };
+
+    /// Writes the block that @p level accumulates and merges it into the level above.
+    void flush(std::size_t level);
 
     std::uint64_t m_block;
+    std::uint64_t m_min_count;
     std::vector<std::shared_ptr<MemoryReducedStream>> m_streams;
-    std::vector<ReducedAccumulator> m_current;
-    std::vector<std::uint64_t> m_written;
-    std::uint64_t m_written_level1 = 0;
+    std::vector<Level> m_levels;
+    std::uint64_t m_complete_level1 = 0;
     std::uint64_t m_last_position = 0;
-    bool m_stopped = false;
 };
 
 } // namespace lum::data
