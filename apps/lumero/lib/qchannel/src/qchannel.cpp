@@ -7,6 +7,7 @@
 
 #include <qchannel/qbus_message.h>
 #include <qchannel/qcomplex_sample.h>
+#include <qchannel/qmeasurement_chain.h>
 #include <qchannel/simple_xml_config.h>
 
 #include <lum_config_items/ferrin_config_item_utils.h>
@@ -484,8 +485,13 @@ QStringList QChannel::getConstraintDescriptions(const QString& key) const
 {
     if (!m_ferrin_channel)
         return {};
-    return lum::detail::ConfigConstraintsToStringVisitor::describe(
-        m_ferrin_channel->getConstraints(key.toStdString()));
+    try {
+        return lum::detail::ConfigConstraintsToStringVisitor::describe(
+            m_ferrin_channel->getConstraints(key.toStdString()));
+    } catch (const std::invalid_argument& error) {
+        UNI_LOG(LOGGER, SEV_ERROR) << "Constraints of " << key.toStdString() << ": " << error.what();
+        return {};
+    }
 }
 
 QString QChannel::getSimpleXmlConfigRepresentation() const
@@ -509,6 +515,17 @@ bool QChannel::setSimpleXmlConfigRepresentation(const QString& text)
             ferrin_config::ConfigRequest{m_ferrin_channel->getChannelId(), key, std::move(item)});
     const bool sent = requests.empty() || m_ferrin_channel->setConfigItems(requests);
     return sent && parsed.refused == 0 && read->passed_over == 0;
+}
+
+lum::QMeasurementChain* QChannel::getMeasurementChain() const
+{
+    auto* chain = new lum::QMeasurementChain();
+    QQmlEngine::setObjectOwnership(chain, QQmlEngine::CppOwnership);
+    if (!m_ferrin_channel)
+        return chain;
+    for (ferrin::MeasurementChainElement& element : m_ferrin_channel->getMeasurementChain())
+        chain->append(new lum::QMeasurementChainElement(std::move(element), chain));
+    return chain;
 }
 
 bool QChannel::setConfigItem(const QString& key, const QVariant& value)

@@ -34,6 +34,10 @@ class ComplexVectorChannel;
 
 Q_DECLARE_METATYPE(channel_config::ChannelID)
 
+namespace lum {
+class QMeasurementChain;
+}
+
 namespace lum::qchannel {
 
 /// Holder of the calculation types of QChannel::calculateValue, for views.
@@ -168,6 +172,8 @@ public:
     /// not read. @return false, with nothing changed, for text that is no such form or
     /// when the channel refuses; false too when some entry was refused (the others are set)
     Q_INVOKABLE bool setSimpleXmlConfigRepresentation(const QString& text);
+    /// A new chain of this channel's stages; the caller owns it and, through it, the stages.
+    Q_INVOKABLE lum::QMeasurementChain* getMeasurementChain() const;
 
     // --- identity and kind ---
     Q_INVOKABLE QString getChannelId() const;
