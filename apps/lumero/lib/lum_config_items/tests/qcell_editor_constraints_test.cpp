@@ -141,6 +141,28 @@ INSTANTIATE_TEST_SUITE_P(
             "enum_option_is_a_choice",
             std::make_shared<ci::OptionConstraint<cc::UserScalingMode>>("Scale", cc::UserScalingMode::SCALE),
             QCellEditorConstraints::EDITOR_STRING, false, true},
+        EditorRow{"range_option_is_a_choice",
+                  std::make_shared<ci::OptionConstraint<ci::RangeConfigItem<double>>>(
+                      "wide", ci::RangeConfigItem<double>(-10, 10, "V", "V")),
+                  QCellEditorConstraints::EDITOR_STRING, false, true},
+        EditorRow{"generic_enum_option_is_a_choice",
+                  std::make_shared<ci::OptionConstraint<ci::GenericEnumConfigItem>>(
+                      "No", ci::GenericEnumConfigItem("ChannelStored", "No")),
+                  QCellEditorConstraints::EDITOR_STRING, false, true},
+        EditorRow{"channel_type_option",
+                  std::make_shared<ci::OptionConstraint<cc::DAQChannelType>>("CAN", cc::DAQChannelType::CAN),
+                  QCellEditorConstraints::EDITOR_STRING, false, true},
+        EditorRow{"occurrence_option",
+                  std::make_shared<ci::OptionConstraint<cc::SampleOccurrenceType>>(
+                      "Sync", cc::SampleOccurrenceType::SYNC),
+                  QCellEditorConstraints::EDITOR_STRING, false, true},
+        EditorRow{"resolution_option",
+                  std::make_shared<ci::OptionConstraint<cc::DAQSampleResolution>>(
+                      "Byte", cc::DAQSampleResolution::BYTE),
+                  QCellEditorConstraints::EDITOR_STRING, false, true},
+        EditorRow{"irig_option",
+                  std::make_shared<ci::OptionConstraint<timing::IrigCode>>("B000", timing::IrigCode::B000),
+                  QCellEditorConstraints::EDITOR_STRING, false, true},
         EditorRow{"channel_option",
                   std::make_shared<ci::OptionConstraint<cc::ChannelID>>("c", cc::ChannelID(1, 2)),
                   QCellEditorConstraints::EDITOR_CHANNEL, false, true},
