@@ -24,6 +24,32 @@ using ConfigConstraintsTypeList =
 
 using ConfigConstraintsVisitorBase = config_items::AbstractVisitor<ConfigConstraintsTypeList>;
 
+/// The kinds a table-cell editor tells apart: every typed option and range on its own,
+/// so that the editor and its value type follow from the constraint's class, then the
+/// remaining kinds, those that shape the text input first.
+using CellEditorConstraintsTypeList = uni::TypeList<
+    config_items::OptionConstraint<config_items::InvalidConfigItem>, config_items::OptionConstraint<bool>,
+    config_items::OptionConstraint<config_items::StringConfigItem>, config_items::OptionConstraint<double>,
+    config_items::OptionConstraint<unsigned int>, config_items::OptionConstraint<int>,
+    config_items::OptionConstraint<config_items::ScalarConfigItem>,
+    config_items::OptionConstraint<config_items::DecoratedNumberConfigItem>,
+    config_items::OptionConstraint<config_items::RangeConfigItem<double>>,
+    config_items::OptionConstraint<config_items::GenericEnumConfigItem>,
+    config_items::OptionConstraint<DAQChannelType>, config_items::OptionConstraint<SampleOccurrenceType>,
+    config_items::OptionConstraint<DAQSampleResolution>, config_items::OptionConstraint<ChannelID>,
+    config_items::OptionConstraint<UserScalingMode>, config_items::OptionConstraint<timing::TimeSource>,
+    config_items::OptionConstraint<timing::IrigCode>, config_items::ValueRangeConstraint<double>,
+    config_items::ValueRangeConstraint<config_items::ScalarConfigItem>,
+    config_items::ValueRangeConstraint<int>, config_items::ValueRangeConstraint<unsigned int>,
+    config_items::StringLengthConstraint, config_items::ListElementCountConstraint,
+    config_items::VisibilityConstraint, config_items::RegularExpressionConstraint,
+    config_items::TransientConstraint, config_items::StringFormatConstraint, config_items::ItemHintConstraint,
+    ConfigurableDuringAcquisitionConstraint, ReadOnlyConstraint, DerivedValueConstraint,
+    DependentCfgItemConstraint, CoupledValueItemConstraint, FullyIndependentSampleRateConstraint,
+    IndependentConfigItemConstraint, ChannelIdsConstraint, FilePathConstraint>;
+
+using CellEditorConstraintsVisitorBase = config_items::AbstractVisitor<CellEditorConstraintsTypeList>;
+
 /// Reduces a list of constraints to one ConfigConstraints. A second constraint of a
 /// kind that may occur once is a programming fault: it asserts, and the later one wins.
 class ConfigConstraintsVisitor : public ConfigConstraintsVisitorBase

@@ -1,5 +1,9 @@
 #include "config_constraints_to_string_visitor.h"
 
+#include <stdexcept>
+#include <string>
+#include <typeinfo>
+
 namespace lum::detail {
 
 using namespace channel_config;
@@ -40,8 +44,10 @@ QStringList ConfigConstraintsToStringVisitor::describe(
 {
     ConfigConstraintsToStringVisitor visitor;
     for (const auto& constraint : constraints)
-        if (constraint)
-            config_items::dispatchVisit(visitor, *constraint);
+        if (constraint && !config_items::dispatchVisit(visitor, *constraint)) {
+            const auto& kind = *constraint;
+            throw std::invalid_argument(std::string("Unsupported type: ") + typeid(kind).name());
+        }
     return visitor.m_lines;
 }
 

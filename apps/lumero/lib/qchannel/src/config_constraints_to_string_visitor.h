@@ -14,7 +14,8 @@ namespace lum::detail {
 class ConfigConstraintsToStringVisitor : public channel_config::ConfigConstraintsVisitorBase
 {
 public:
-    /// One line per constraint of @p constraints that the visitor knows, in order.
+    /// One line per constraint of @p constraints, in order. Throws std::invalid_argument
+    /// ("Unsupported type: " and the class) for a kind outside the visitor's list.
     static QStringList
     describe(const std::vector<std::shared_ptr<config_items::IfConfigItemConstraint>>& constraints);
 

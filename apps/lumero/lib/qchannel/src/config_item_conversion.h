@@ -16,13 +16,13 @@ namespace lum::qchannel::detail {
 QVariant configItemToVariant(const channel_config::ConfigItemVariant& item);
 
 /// The plain conversion of a QVariant by its meta type: bool, the integer types,
-/// double, QString, QStringList. Anything else is asserted ("Unknown object type in
-/// QVariant.") and gives nothing.
+/// double, QString, lists and the value types of lum_config_items. Anything else is
+/// asserted ("Unknown object type in QVariant.") and gives nothing.
 std::optional<channel_config::ConfigItemVariant> variantToConfigItem(const QVariant& value);
 
-/// The typed item for @p value under @p key of @p channel: a text is first read by the
-/// parser of the item the channel holds, so that "12.5 mV" stays a scalar; anything
-/// else, and text that parser refuses, takes the plain conversion.
+/// The typed item for @p value under @p key of @p channel: first matched against the
+/// item the channel holds (a text read by its parser, so that "12.5 mV" stays a scalar;
+/// a bare number keeps the unit); what does not match takes the plain conversion.
 std::optional<ferrin::ConfigItem> itemForValue(const ferrin::Channel& channel, const std::string& key,
                                                const QVariant& value);
 

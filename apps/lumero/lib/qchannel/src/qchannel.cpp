@@ -3,8 +3,14 @@
 #include "config_item_conversion.h"
 #include "pool_task.h"
 
+#include "config_constraints_to_string_visitor.h"
+
 #include <qchannel/qbus_message.h>
 #include <qchannel/qcomplex_sample.h>
+#include <qchannel/qmeasurement_chain.h>
+#include <qchannel/simple_xml_config.h>
+
+#include <lum_config_items/ferrin_config_item_utils.h>
 
 #include <config_items/config_enums.h>
 #include <config_items/config_item_variant.h>
@@ -18,8 +24,10 @@
 #include <uni_base/uni_log.h>
 
 #include <QFutureInterface>
+#include <QQmlEngine>
 #include <QReadLocker>
 #include <QRunnable>
+#include <QThread>
 #include <QThreadPool>
 #include <QWriteLocker>
 
@@ -88,7 +96,15 @@ QChannel::~QChannel()
     // watcher goes, so that nothing reports into a dead object.
     m_action_watcher.disconnect(this);
     m_action_future.waitForFinished();
-    clearConstraintsCache();
+    // No event loop may run after the last channel goes: what lives here is deleted now.
+    QWriteLocker lock(&m_constraints_lock);
+    for (ferrin_config::QCellEditorConstraints* constraints : qAsConst(m_constraints_cache)) {
+        if (constraints && constraints->thread() == QThread::currentThread())
+            delete constraints;
+        else if (constraints)
+            constraints->deleteLater();
+    }
+    m_constraints_cache.clear();
 }
 
 void QChannel::registerObserver()
@@ -421,6 +437,95 @@ QString QChannel::getConfigItemAsString(const QString& key) const
         return QString();
     return QString::fromStdString(
         channel_config::toString(m_ferrin_channel->getConfigItem(key.toStdString())));
+}
+
+QString QChannel::getStringRepresentation(const QString& key) const
+{
+    if (key.isEmpty())
+        return QString();
+    const QVariant value = getConfigItem(key);
+    // A key the channel lacks has no text; that is no fault of the caller.
+    if (!value.isValid())
+        return QString();
+    if (key == QLatin1String("CAN/MessageID")) {
+        bool converts = false;
+        const int id = value.toInt(&converts);
+        return converts ? QStringLiteral("0x") + QString::number(static_cast<uint>(id), 16) : QString();
+    }
+    return getStringRep(value);
+}
+
+QString QChannel::getStringRep(const QVariant& value) const
+{
+    return ferrin_config::variantToString(value);
+}
+
+ferrin_config::QCellEditorConstraints* QChannel::getPropertyConstraints(const QString& key)
+{
+    if (!m_ferrin_channel)
+        return nullptr;
+    {
+        QReadLocker lock(&m_constraints_lock);
+        if (auto* cached = m_constraints_cache.value(key, nullptr))
+            return cached;
+    }
+    QWriteLocker lock(&m_constraints_lock);
+    if (auto* cached = m_constraints_cache.value(key, nullptr))
+        return cached;
+    auto* constraints =
+        new ferrin_config::QCellEditorConstraints(m_ferrin_channel->getConstraints(key.toStdString()));
+    // Dropped entries get deleteLater, which must run where the channel lives.
+    constraints->moveToThread(thread());
+    QQmlEngine::setObjectOwnership(constraints, QQmlEngine::CppOwnership);
+    m_constraints_cache.insert(key, constraints);
+    return constraints;
+}
+
+QStringList QChannel::getConstraintDescriptions(const QString& key) const
+{
+    if (!m_ferrin_channel)
+        return {};
+    try {
+        return lum::detail::ConfigConstraintsToStringVisitor::describe(
+            m_ferrin_channel->getConstraints(key.toStdString()));
+    } catch (const std::invalid_argument& error) {
+        UNI_LOG(LOGGER, SEV_ERROR) << "Constraints of " << key.toStdString() << ": " << error.what();
+        return {};
+    }
+}
+
+QString QChannel::getSimpleXmlConfigRepresentation() const
+{
+    if (!m_ferrin_channel || !m_ferrin_channel->getItemStore())
+        return QString();
+    return QString::fromStdString(writeSimpleXmlConfig(simpleXmlEntries(*m_ferrin_channel->getItemStore())));
+}
+
+bool QChannel::setSimpleXmlConfigRepresentation(const QString& text)
+{
+    if (!m_ferrin_channel || !m_ferrin_channel->getItemStore())
+        return false;
+    const std::optional<SimpleXmlReadResult> read = readSimpleXmlConfig(text.toStdString());
+    if (!read)
+        return false;
+    SimpleXmlApplyResult parsed = parseSimpleXmlEntries(read->entries, *m_ferrin_channel->getItemStore());
+    ferrin_config::ConfigRequests requests;
+    for (auto& [key, item] : parsed.items)
+        requests.push_back(
+            ferrin_config::ConfigRequest{m_ferrin_channel->getChannelId(), key, std::move(item)});
+    const bool sent = requests.empty() || m_ferrin_channel->setConfigItems(requests);
+    return sent && parsed.refused == 0 && read->passed_over == 0;
+}
+
+lum::QMeasurementChain* QChannel::getMeasurementChain() const
+{
+    auto* chain = new lum::QMeasurementChain();
+    QQmlEngine::setObjectOwnership(chain, QQmlEngine::CppOwnership);
+    if (!m_ferrin_channel)
+        return chain;
+    for (ferrin::MeasurementChainElement& element : m_ferrin_channel->getMeasurementChain())
+        chain->append(new lum::QMeasurementChainElement(std::move(element), chain));
+    return chain;
 }
 
 bool QChannel::setConfigItem(const QString& key, const QVariant& value)
@@ -791,22 +896,13 @@ QVariant QChannel::metaData(const QString& key) const
 // ---------------------------------------------------------------------------------------
 // Changes
 
-void QChannel::cachePropertyConstraints(const QString& key, QObject* constraints)
-{
-    QWriteLocker lock(&m_constraints_lock);
-    QObject* previous = m_constraints_cache.value(key, nullptr);
-    if (previous && previous != constraints)
-        previous->deleteLater();
-    m_constraints_cache.insert(key, constraints);
-}
-
-QObject* QChannel::cachedPropertyConstraints(const QString& key) const
+ferrin_config::QCellEditorConstraints* QChannel::cachedPropertyConstraints(const QString& key) const
 {
     QReadLocker lock(&m_constraints_lock);
     return m_constraints_cache.value(key, nullptr);
 }
 
-QObject* QChannel::takeCachedConstraints(const QString& key)
+ferrin_config::QCellEditorConstraints* QChannel::takeCachedConstraints(const QString& key)
 {
     QWriteLocker lock(&m_constraints_lock);
     return m_constraints_cache.take(key);
@@ -815,7 +911,7 @@ QObject* QChannel::takeCachedConstraints(const QString& key)
 void QChannel::clearConstraintsCache()
 {
     QWriteLocker lock(&m_constraints_lock);
-    for (QObject* constraints : qAsConst(m_constraints_cache))
+    for (ferrin_config::QCellEditorConstraints* constraints : qAsConst(m_constraints_cache))
         if (constraints)
             constraints->deleteLater();
     m_constraints_cache.clear();
@@ -825,7 +921,7 @@ void QChannel::onChannelConfigItemChanged(channel_config::ChannelID channel_id, 
 {
     if (!m_ferrin_channel)
         return;
-    QObject* constraints = takeCachedConstraints(key);
+    ferrin_config::QCellEditorConstraints* constraints = takeCachedConstraints(key);
     emit configItemChanged(channel_id, key);
 
     if (key == QLatin1String("Used"))

@@ -256,6 +256,28 @@ QStringList QChannelListModel::getAllIDsStr() const
     return ids;
 }
 
+QStringList QChannelListModel::uniqueListForProperty(const QString& key, int maxResults) const
+{
+    QStringList texts;
+    const std::lock_guard<std::recursive_mutex> lock(m_list_lock);
+    for (QChannel* channel : typedList()) {
+        if (maxResults > 0 && texts.size() >= maxResults)
+            break;
+        QString text = channel->getStringRepresentation(key);
+        if (text.isEmpty())
+            continue;
+        text[0] = text[0].toUpper();
+        if (!texts.contains(text))
+            texts << text;
+    }
+    return texts;
+}
+
+QStringList QChannelListModel::uniqueListForProperty(const QString& key) const
+{
+    return uniqueListForProperty(key, 0);
+}
+
 QChannelListModel* QChannelListModel::makeSubList(const QList<QObject*>& channels) const
 {
     auto* sub_list = new QChannelListModel(DELIVERY_IMMEDIATE, false);

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+#include <string>
+
 using lum::detail::ConfigConstraintsToStringVisitor;
 using namespace channel_config;
 using namespace config_items;
@@ -90,10 +93,21 @@ TEST(ConstraintText, FilePathWithAllItsParts)
               "Filepath: Directory selection, multi select 'false', title '', path ''filters {} ");
 }
 
-TEST(ConstraintText, OneLinePerKnownConstraintInOrder)
+TEST(ConstraintText, OneLinePerConstraintInOrderNullsSkipped)
 {
     const QStringList lines = ConfigConstraintsToStringVisitor::describe(
-        {std::make_shared<ReadOnlyConstraint>(true), nullptr, std::make_shared<BooleanConstraint>(true),
-         std::make_shared<ItemHintConstraint>("x")});
+        {std::make_shared<ReadOnlyConstraint>(true), nullptr, std::make_shared<ItemHintConstraint>("x")});
     EXPECT_EQ(lines, QStringList({"ReadOnly: true", "ItemHint: x"}));
+}
+
+TEST(ConstraintText, AKindOutsideTheListIsUnsupported)
+{
+    // A bare BooleanConstraint names no property: no visit takes it.
+    try {
+        ConfigConstraintsToStringVisitor::describe(
+            {std::make_shared<ReadOnlyConstraint>(true), std::make_shared<BooleanConstraint>(true)});
+        FAIL() << "no exception";
+    } catch (const std::invalid_argument& error) {
+        EXPECT_EQ(std::string(error.what()).rfind("Unsupported type: ", 0), 0u) << error.what();
+    }
 }

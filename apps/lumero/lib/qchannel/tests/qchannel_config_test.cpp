@@ -310,11 +310,8 @@ TEST_F(QChannelConfig, SignalArgumentsCarryTheNewTexts)
 
 TEST_F(QChannelConfig, AColourChangeLeavesRangesAndConstraintsAlone)
 {
-    QObject owner;
-    QPointer<QObject> color_constraints = new QObject(&owner);
-    QPointer<QObject> name_constraints = new QObject(&owner);
-    qchannel.cachePropertyConstraints("Ferrin/Color", color_constraints);
-    qchannel.cachePropertyConstraints("Ferrin/Name", name_constraints);
+    QPointer<QObject> color_constraints = qchannel.getPropertyConstraints("Ferrin/Color");
+    QPointer<QObject> name_constraints = qchannel.getPropertyConstraints("Ferrin/Name");
     QSignalSpy min(&qchannel, &QChannel::minValChanged);
     QSignalSpy max(&qchannel, &QChannel::maxValChanged);
     QSignalSpy config(&qchannel, &QChannel::configItemChanged);
@@ -326,6 +323,8 @@ TEST_F(QChannelConfig, AColourChangeLeavesRangesAndConstraintsAlone)
     EXPECT_EQ(max.count(), 0);
     EXPECT_EQ(qchannel.cachedPropertyConstraints("Ferrin/Color"), nullptr);
     EXPECT_FALSE(color_constraints.isNull());
+    // Left out of the cache and not given deleteLater: whoever still holds it deletes it.
+    delete color_constraints.data();
 
     channel->notifyConfigItemChanged("Ferrin/Name");
     flushDeferredDeletes();
@@ -338,9 +337,7 @@ TEST_F(QChannelConfig, AColourChangeLeavesRangesAndConstraintsAlone)
 
 TEST_F(QChannelConfig, ReplacementRunsInItsOrder)
 {
-    QObject owner;
-    QPointer<QObject> constraints = new QObject(&owner);
-    qchannel.cachePropertyConstraints("Unit", constraints);
+    QPointer<QObject> constraints = qchannel.getPropertyConstraints("Unit");
 
     auto replacement = factory.async("speed", {{5, 1.0}});
     replacement->getItemStore()->set("Unit", config_items::StringConfigItem("m/s"));

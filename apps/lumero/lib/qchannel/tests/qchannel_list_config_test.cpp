@@ -124,6 +124,48 @@ TEST_F(ChannelListConfigTest, SetConfigItemSendsOneRequestPerChannelInOneCall)
     EXPECT_FALSE(list.setConfigItem("Ferrin/Color", "red"));
 }
 
+struct UniqueListRow
+{
+    const char* name;
+    int max_results;
+    QStringList texts;
+};
+
+void PrintTo(const UniqueListRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+class UniqueListForProperty : public ChannelListConfigTest,
+                              public ::testing::WithParamInterface<UniqueListRow>
+{};
+
+TEST_P(UniqueListForProperty, DistinctCapitalisedTextsInListOrder)
+{
+    const char* units[] = {"volt", "", "ampere", "Volt", "volt", "bar", "m/s"};
+    std::uint32_t local = 0;
+    for (const char* unit : units)
+        add(++local, "c")->ferrinChannel()->getItemStore()->set("Unit", config_items::StringConfigItem(unit));
+    const QStringList texts = GetParam().max_results < 0
+                                  ? list.uniqueListForProperty("Unit")
+                                  : list.uniqueListForProperty("Unit", GetParam().max_results);
+    EXPECT_EQ(texts, GetParam().texts);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Limits, UniqueListForProperty,
+    ::testing::Values(UniqueListRow{"two_of_five", 2, {"Volt", "Ampere"}},
+                      UniqueListRow{"zero_is_no_limit", 0, {"Volt", "Ampere", "Bar", "M/s"}},
+                      UniqueListRow{"without_limit", -1, {"Volt", "Ampere", "Bar", "M/s"}},
+                      UniqueListRow{"limit_above_count", 9, {"Volt", "Ampere", "Bar", "M/s"}}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(ChannelListConfigTest, UniqueListOfAKeyNoChannelHasIsEmpty)
+{
+    add(1, "a");
+    EXPECT_TRUE(list.uniqueListForProperty("Nope", 3).isEmpty());
+}
+
 TEST_F(ChannelListConfigTest, FewerValuesThanKeysRepeatAndNullValuesSkipTheirKey)
 {
     add(1, "a");

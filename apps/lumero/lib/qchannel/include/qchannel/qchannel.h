@@ -1,7 +1,10 @@
 #pragma once
 
+#include <qchannel/if_configurable_object.h>
+
 #include <channel_config/channel_id.h>
 #include <ferrin_core/channel.h>
+#include <lum_config_items/qcell_editor_constraints.h>
 #include <uni_base/countable.h>
 
 #include <QColor>
@@ -30,6 +33,10 @@ class ComplexVectorChannel;
 } // namespace ferrin
 
 Q_DECLARE_METATYPE(channel_config::ChannelID)
+
+namespace lum {
+class QMeasurementChain;
+}
 
 namespace lum::qchannel {
 
@@ -62,7 +69,7 @@ public:
 ///
 /// Value reads take no lock of this class and are meant for the display thread. The
 /// channel's change notifications may arrive on any thread.
-class QChannel : public QObject, public uni::Countable<QChannel>
+class QChannel : public QObject, public uni::Countable<QChannel>, public lum::IfConfigurableObject
 {
     Q_OBJECT
     Q_PROPERTY(bool used READ isUsed NOTIFY usedChanged)
@@ -141,15 +148,32 @@ public:
     static QVariant sampleToVariant(const daq::Sample* sample);
 
     // --- configuration ---
-    Q_INVOKABLE QVariant getConfigItem(const QString& key) const;
+    Q_INVOKABLE QVariant getConfigItem(const QString& key) const override;
     Q_INVOKABLE QString getConfigItemType(const QString& key) const;
     Q_INVOKABLE QString getConfigItemAsString(const QString& key) const;
-    Q_INVOKABLE bool setConfigItem(const QString& key, const QVariant& value);
+    Q_INVOKABLE bool setConfigItem(const QString& key, const QVariant& value) override;
     Q_INVOKABLE bool setConfigItems(const QVariantMap& values);
-    Q_INVOKABLE bool hasConfigItem(const QString& key) const;
+    Q_INVOKABLE bool hasConfigItem(const QString& key) const override;
     Q_INVOKABLE QStringList getAvailableConfigKeys(bool sort = false) const;
     Q_INVOKABLE QStringList getAvailableActionKeys() const;
     Q_INVOKABLE QStringList getAvailableIdKeys() const;
+
+    // --- constraints and text forms ---
+    /// The item's text for a cell: "0x" and lower-case hexadecimal for "CAN/MessageID".
+    Q_INVOKABLE QString getStringRepresentation(const QString& key) const override;
+    Q_INVOKABLE QString getStringRep(const QVariant& value) const;
+    /// Built on first request and kept until the key changes; the cache owns it.
+    Q_INVOKABLE ferrin_config::QCellEditorConstraints* getPropertyConstraints(const QString& key) override;
+    Q_INVOKABLE QStringList getConstraintDescriptions(const QString& key) const;
+    /// Every shown item as an element named by its key, derived values only as comments.
+    Q_INVOKABLE QString getSimpleXmlConfigRepresentation() const;
+    /// Reads a text of getSimpleXmlConfigRepresentation back into the channel's items,
+    /// each by the parser of the item it replaces, in one request. Derived values are
+    /// not read. @return false, with nothing changed, for text that is no such form or
+    /// when the channel refuses; false too when some entry was refused (the others are set)
+    Q_INVOKABLE bool setSimpleXmlConfigRepresentation(const QString& text);
+    /// A new chain of this channel's stages; the caller owns it and, through it, the stages.
+    Q_INVOKABLE lum::QMeasurementChain* getMeasurementChain() const;
 
     // --- identity and kind ---
     Q_INVOKABLE QString getChannelId() const;
@@ -201,11 +225,8 @@ public:
     /// Takes a replacement of the channel under the same id, and refreshes every view.
     void updateFerrinChannel(std::shared_ptr<ferrin::Channel> new_channel);
 
-    /// Keeps editor constraints built for @p key until the key changes or the channel is
-    /// replaced; the cache owns them (a replaced entry gets deleteLater).
-    void cachePropertyConstraints(const QString& key, QObject* constraints);
     /// The cached constraints of @p key, null for none.
-    QObject* cachedPropertyConstraints(const QString& key) const;
+    ferrin_config::QCellEditorConstraints* cachedPropertyConstraints(const QString& key) const;
 
     /// Called for every change of an item of the channel, on the thread that made it.
     void onChannelConfigItemChanged(channel_config::ChannelID channel_id, const QString& key);
@@ -243,7 +264,7 @@ private:
     /// The item's text, empty without channel or key.
     std::string itemText(const char* key) const;
     /// Drops the cached editor constraints of @p key; the caller gives it deleteLater.
-    QObject* takeCachedConstraints(const QString& key);
+    ferrin_config::QCellEditorConstraints* takeCachedConstraints(const QString& key);
     void clearConstraintsCache();
 
     std::shared_ptr<ferrin::Channel> m_ferrin_channel;
@@ -253,9 +274,9 @@ private:
     QFutureWatcher<void> m_action_watcher;
     QFuture<void> m_action_future;
 
-    // Editor constraints per key. Filled by the configurable-object face; this class
-    // only drops entries when their key changes or the channel is replaced.
-    QMap<QString, QObject*> m_constraints_cache;
+    // Editor constraints per key, built on first request; an entry is dropped when its
+    // key changes or the channel is replaced.
+    QMap<QString, ferrin_config::QCellEditorConstraints*> m_constraints_cache;
     mutable QReadWriteLock m_constraints_lock;
 };
 

@@ -87,6 +87,11 @@ public:
     Q_INVOKABLE lum::qchannel::QChannel* getChannelByConfigItem(const QString& key,
                                                                 const QVariant& value) const;
     Q_INVOKABLE QStringList getAllIDsStr() const;
+    /// The distinct texts of item @p key over the channels, in list order, each with its
+    /// first letter in upper case; empty texts are passed over. At most @p maxResults
+    /// when that is positive.
+    Q_INVOKABLE QStringList uniqueListForProperty(const QString& key, int maxResults) const;
+    Q_INVOKABLE QStringList uniqueListForProperty(const QString& key) const;
     /// A new list (the caller owns it) of the channels whose dependent set holds the
     /// id of @p channel, in list order; null for a null channel.
     Q_INVOKABLE lum::qchannel::QChannelListModel* getNeededChannels(lum::qchannel::QChannel* channel) const;
