@@ -124,6 +124,7 @@ void QCar::setGpsOffset(QPointF offset)
     Q_EMIT latitudeChanged();
     Q_EMIT longitudeChanged();
     Q_EMIT positionChanged();
+    Q_EMIT centerPositionChanged();
     Q_EMIT xyPositionChanged();
     Q_EMIT dataChanged();
 }

@@ -17,6 +17,7 @@
 #include <QQmlEngine>
 
 #include <cmath>
+#include <cstring>
 #include <optional>
 
 namespace overmap_ui {
@@ -43,14 +44,6 @@ GeoPosition toPosition(const QGeoCoordinate& coordinate)
 bool finite(const Point2D& point)
 {
     return std::isfinite(point.x) && std::isfinite(point.y);
-}
-
-/// The vertices the display works with: thinned, and without invalid ones.
-std::vector<GeoPosition> displayPositions(const overmap::Track& track)
-{
-    std::vector<GeoPosition> positions = math_geo::simplifyTrack(track.getPositions(), DISPLAY_TOLERANCE);
-    math_geo::removeInvalidPositions(positions);
-    return positions;
 }
 
 double referenceRotation(const overmap::Track& track)
@@ -83,10 +76,25 @@ void QTrack::setExtent(double width, double height)
     Q_EMIT sizeChanged();
 }
 
+const std::vector<GeoPosition>& QTrack::thinnedPositions()
+{
+    const std::vector<GeoPosition>& source = m_model->getPositions();
+    const bool same =
+        m_thinned_valid && source.size() == m_thinned_from.size() &&
+        std::memcmp(source.data(), m_thinned_from.data(), source.size() * sizeof(GeoPosition)) == 0;
+    if (!same) {
+        m_thinned_from = source;
+        m_thinned = math_geo::simplifyTrack(source, DISPLAY_TOLERANCE);
+        math_geo::removeInvalidPositions(m_thinned);
+        m_thinned_valid = true;
+    }
+    return m_thinned;
+}
+
 void QTrack::rebuildSegments()
 {
     m_segments.clearList(true);
-    const std::vector<GeoPosition> positions = displayPositions(*m_model);
+    const std::vector<GeoPosition>& positions = thinnedPositions();
     if (positions.size() < 2) {
         setExtent(0.0, 0.0);
         return;
@@ -216,7 +224,7 @@ void QTrack::setTrackRadius(double value)
     if (std::fabs(value - m_model->getRadius()) <= VALUE_TOLERANCE)
         return;
     m_model->setRadius(value);
-    const std::vector<GeoPosition> positions = displayPositions(*m_model);
+    const std::vector<GeoPosition>& positions = thinnedPositions();
     if (positions.size() >= 2 && !m_model->planePoints().empty()) {
         const math_geo::ProjectionPlane plane(positions.front(), 0.0,
                                               overmap::defaultPlaneCoordinateSystem());

@@ -11,6 +11,7 @@
 #include <QUrl>
 
 #include <memory>
+#include <vector>
 
 namespace overmap {
 class Track;
@@ -146,8 +147,14 @@ Q_SIGNALS:
 
 private:
     void setExtent(double width, double height);
+    /// The model's vertices thinned to 0.1 m and without invalid ones, worked out again
+    /// only when the vertices changed: a plane change does not change them.
+    const std::vector<math_geo::GeoPosition>& thinnedPositions();
 
     std::shared_ptr<overmap::Track> m_model;
+    std::vector<math_geo::GeoPosition> m_thinned_from;
+    std::vector<math_geo::GeoPosition> m_thinned;
+    bool m_thinned_valid = false;
     QTrackSegmentList m_segments;
     double m_extent_width = 0.0;
     double m_extent_height = 0.0;
