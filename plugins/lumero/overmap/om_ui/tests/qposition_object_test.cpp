@@ -6,6 +6,7 @@
 #include <om_model/position_object.h>
 
 #include <uni_testing/log_capture.h>
+#include <uni_testing/model_tester.h>
 
 #include <QSignalSpy>
 
@@ -358,6 +359,7 @@ TEST_F(QPositionObjectTest, EnclosingRectangleSpansWidthAcrossAndLengthAlong)
 
 TEST_F(QPositionObjectTest, PoisGoBothWaysAndEditsCountAsChanges)
 {
+    uni_testing::attachModelTester(cone->poiList());
     QSignalSpy data(cone, &QPositionObject::dataChanged);
     QSignalSpy list(cone, &QPositionObject::poiListChanged);
     ASSERT_TRUE(data.isValid() && list.isValid());
