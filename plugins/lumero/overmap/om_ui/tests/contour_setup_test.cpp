@@ -95,6 +95,22 @@ TEST_F(ContourSetupTest, MirrorEditsKeepTheContourSymmetric)
     EXPECT_EQ(setup.contourPointCount(), 12);
 }
 
+TEST_F(ContourSetupTest, EditsAtTheEndsOfTheContour)
+{
+    setup.setContourPoint(0, QPointF(1.5, 0.3));
+    EXPECT_EQ(setup.getContourPoint(0), QPointF(1.5, 0.3));
+    setup.setContourPoint(4, QPointF(1.5, -0.3));
+    ASSERT_EQ(setup.mirrorPartner(4), 0);
+    setup.setMirrorContourPoints(4, QPointF(1.4, -0.2));
+    EXPECT_EQ(setup.getContourPoint(0), QPointF(1.4, 0.2)) << "a partner at index 0 moves too";
+    setup.setMirrorContourPoints(8, QPointF(9.0, 9.0));
+    setup.setContourPoint(-1, QPointF(9.0, 9.0));
+    setup.deleteContourMirrorPoints(8);
+    setup.deleteContourMirrorPoints(-1);
+    EXPECT_EQ(setup.contourPointCount(), 8);
+    EXPECT_NEAR(setup.contourLength(), 1.4 + 0.75, 1e-12) << "from the back points at -0.75 to the nose";
+}
+
 TEST_F(ContourSetupTest, ClearingKeepsNoseAndTail)
 {
     om_ui_test::SignalRecorder recorder(&setup);

@@ -34,7 +34,7 @@ void onMalloc(const volatile void*, std::size_t)
         g_mallocs.fetch_add(1, std::memory_order_relaxed);
 }
 void onFree(const volatile void*) {}
-const int g_hooks = __sanitizer_install_malloc_and_free_hooks(onMalloc, onFree);
+[[maybe_unused]] const int g_hooks = __sanitizer_install_malloc_and_free_hooks(onMalloc, onFree);
 #endif
 
 void* allocate(std::size_t size)
