@@ -5,11 +5,13 @@
 #include <uni_testing/log_capture.h>
 #include <uni_testing/model_tester.h>
 
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <fstream>
 
 namespace {
@@ -105,10 +107,30 @@ TEST_F(ContourSetupTest, EditsAtTheEndsOfTheContour)
     EXPECT_EQ(setup.getContourPoint(0), QPointF(1.4, 0.2)) << "a partner at index 0 moves too";
     setup.setMirrorContourPoints(8, QPointF(9.0, 9.0));
     setup.setContourPoint(-1, QPointF(9.0, 9.0));
+    setup.setContourPoint(8, QPointF(9.0, 9.0));
     setup.deleteContourMirrorPoints(8);
     setup.deleteContourMirrorPoints(-1);
     EXPECT_EQ(setup.contourPointCount(), 8);
     EXPECT_NEAR(setup.contourLength(), 1.4 + 0.75, 1e-12) << "from the back points at -0.75 to the nose";
+}
+
+TEST_F(ContourSetupTest, AClickOnTheBackHalfInsertsAtTheMirroredFrontIndex)
+{
+    // Nearest to the segment 6-7 of the negative half: its mirror is the segment 1-2.
+    EXPECT_EQ(setup.insertMirrorContourPoints(QPointF(0.6, -0.75)), 2);
+    ASSERT_EQ(setup.contourPointCount(), 10);
+    EXPECT_EQ(setup.getContourPoint(2), QPointF(0.6, 0.75));
+    EXPECT_EQ(setup.getContourPoint(8), QPointF(0.6, -0.75));
+}
+
+TEST_F(ContourSetupTest, AnObliqueMinorAxisTakesItsWidthFromTheDistanceToTheMainAxis)
+{
+    setup.setMainAxisPt2(QPointF(0.0, 0.0));
+    setup.setMainAxisPt1(QPointF(300.0, 300.0));
+    setup.setMinorAxisPt1(QPointF(300.0, 0.0));
+    const QPointF minor = setup.minorAxisPt1() - setup.minorAxisPt2();
+    EXPECT_NEAR(std::hypot(minor.x(), minor.y()), 300.0 * std::sqrt(2.0), 1e-9);
+    EXPECT_NEAR(setup.minorAxisPt1().x() + setup.minorAxisPt2().x(), 300.0, 1e-9) << "through the middle";
 }
 
 TEST_F(ContourSetupTest, ClearingKeepsNoseAndTail)
@@ -193,9 +215,10 @@ TEST_F(ContourSetupTest, ResetBringsTheDefaultsBack)
 {
     setup.setCarLength(5.0);
     setup.setMainAxisPt2(QPointF(0.0, 0.0));
-    setup.poiList()->addPoi();
+    const QPointer<overmap_ui::QPOI> poi = setup.poiList()->addPoi();
     setup.clearContourPoints();
     setup.reset();
+    EXPECT_TRUE(poi.isNull()) << "the POIs are deleted";
     EXPECT_DOUBLE_EQ(setup.carLength(), 3.0);
     EXPECT_EQ(setup.mainAxisPt2(), QPointF(100.0, 320.0));
     EXPECT_NEAR(setup.minorAxisPt1().x(), 40.0, 1e-9);

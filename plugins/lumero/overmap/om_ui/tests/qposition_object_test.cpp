@@ -253,6 +253,15 @@ TEST_F(QPositionObjectTest, AChildFollowsItsReferenceWithoutWritingTheSetup)
     EXPECT_EQ(moved.count(), 2) << "the old reference no longer moves it";
 }
 
+TEST_F(QPositionObjectTest, AReferenceReadFromTheSetupIsFoundThroughTheManager)
+{
+    auto parent_model = std::make_shared<overmap::Cone>(&plane);
+    QCone parent(parent_model, &manager);
+    manager.objects.append(&parent);
+    model->setReferenceObject(parent_model);
+    EXPECT_EQ(cone->referenceObject(), &parent);
+}
+
 TEST_F(QPositionObjectTest, AReferenceCycleIsRefused)
 {
     auto parent_model = std::make_shared<overmap::Cone>(&plane);

@@ -122,6 +122,13 @@ TEST_F(QTrackTest, UnchangedValuesDoNotRebuild)
     EXPECT_EQ(segments.count(), 0);
     EXPECT_EQ(data.count(), 0);
     EXPECT_EQ(track->segments()->at(0), first);
+    track->setTrackRadius(5.0);
+    const int after_radius = segments.count();
+    track->setTrackRadius(5.0);
+    EXPECT_EQ(segments.count(), after_radius);
+    track->setTrackRadius(0.0);
+    data.clear();
+    segments.clear();
 
     om_ui_test::SignalRecorder recorder(track.get());
     track->setTrackWidth(5.0);
