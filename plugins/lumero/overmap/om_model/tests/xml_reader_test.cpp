@@ -17,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <string_view>
 
 namespace {
 
@@ -561,6 +562,40 @@ TEST(XmlVertexText, NumbersReadAsAStreamReadsThem)
     EXPECT_TRUE(parsePositionText("0x10 2").empty()) << "0 then x";
     EXPECT_EQ(parsePositionText("1 2 3").size(), 1u) << "half a pair is dropped";
 }
+
+// The text is a view into a longer buffer: a number that ends where the view ends is not
+// read on into what follows in memory.
+struct ViewEnd
+{
+    const char* name;
+    const char* buffer;
+    std::size_t length;
+    GeoPosition expected;
+};
+
+void PrintTo(const ViewEnd& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+class XmlVertexTextEnd : public ::testing::TestWithParam<ViewEnd>
+{};
+
+TEST_P(XmlVertexTextEnd, ReadingStopsAtTheEndOfTheView)
+{
+    const ViewEnd& row = GetParam();
+    const auto positions = overmap::xml::parsePositionText(std::string_view(row.buffer, row.length));
+    ASSERT_EQ(positions.size(), 1u);
+    EXPECT_EQ(positions[0], row.expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, XmlVertexTextEnd,
+                         ::testing::Values(ViewEnd{"Digits", "1 23", 3, GeoPosition(1.0, 2.0)},
+                                           ViewEnd{"Fraction", "1 2.75", 5, GeoPosition(1.0, 2.7)},
+                                           ViewEnd{"Exponent", "1 1e25", 5, GeoPosition(1.0, 100.0)}),
+                         [](const ::testing::TestParamInfo<ViewEnd>& info) {
+                             return std::string(info.param.name);
+                         });
 
 } // namespace
 
