@@ -123,14 +123,56 @@ TEST_F(XmlReader, ABadViewNumberEndsTheViewPartButNotTheRest)
     EXPECT_EQ(m_manager.objectCount(), 1u);
 }
 
-TEST_F(XmlReader, APlanePointWithoutPositionYEndsTheView)
+// A part of the view that cannot be read ends the view with failure: what came before
+// stays, what follows is not read.
+struct BadViewPart
 {
-    EXPECT_FALSE(
-        read("<Overmap><View latitude=\"1\" longitude=\"2\" rotation=\"0\"><PrimaryPlanePoint latitude=\"1\" "
-             "longitude=\"2\" positionX=\"3\"/><MapSetupView latitude=\"1\" longitude=\"2\" rotation=\"3\" "
-             "mapScaleS=\"9\"/></View></Overmap>"));
-    EXPECT_NE(m_manager.getMapSetupView().scale, 9.0);
+    std::string name;
+    std::string children;
+    bool mapRead;
+    std::string imagePath;
+};
+
+void PrintTo(const BadViewPart& row, std::ostream* out)
+{
+    *out << row.name;
 }
+
+class XmlBadViewPart : public XmlReader, public ::testing::WithParamInterface<BadViewPart>
+{};
+
+TEST_P(XmlBadViewPart, EndsTheViewWithFailure)
+{
+    const BadViewPart& row = GetParam();
+    EXPECT_FALSE(read("<Overmap><View latitude=\"1\" longitude=\"2\" rotation=\"0\">" + row.children +
+                      "</View></Overmap>"));
+    EXPECT_EQ(m_manager.getMapSetupView().scale == 9.0, row.mapRead);
+    EXPECT_EQ(m_manager.getAerialImage().imagePath, row.imagePath);
+}
+
+const std::string MAP = "<MapSetupView latitude=\"1\" longitude=\"2\" rotation=\"3\" mapScaleS=\"9\"/>";
+const std::string IMAGE = "<BGImage imagePath=\"a.png\"/>";
+INSTANTIATE_TEST_SUITE_P(
+    Rows, XmlBadViewPart,
+    ::testing::Values(
+        BadViewPart{"PrimaryPoint",
+                    "<PrimaryPlanePoint latitude=\"1\" longitude=\"2\" positionX=\"3\"/>" + MAP + IMAGE,
+                    false, ""},
+        BadViewPart{"SecondaryPoint",
+                    "<SecondaryPlanePoint latitude=\"1\" longitude=\"x\" positionX=\"3\" positionY=\"4\"/>" +
+                        MAP + IMAGE,
+                    false, ""},
+        BadViewPart{"MapSetupView", "<MapSetupView latitude=\"1\" longitude=\"2\" rotation=\"3\"/>" + IMAGE,
+                    false, ""},
+        BadViewPart{"ImagePrimaryPoint",
+                    MAP + "<BGImage imagePath=\"a.png\"><PrimaryPlanePoint latitude=\"1\" longitude=\"2\" "
+                          "positionY=\"3\"/></BGImage>",
+                    true, "a.png"},
+        BadViewPart{"ImageSecondaryPoint",
+                    MAP + "<BGImage imagePath=\"a.png\"><SecondaryPlanePoint longitude=\"2\" positionX=\"3\" "
+                          "positionY=\"3\"/></BGImage>",
+                    true, "a.png"}),
+    [](const ::testing::TestParamInfo<BadViewPart>& info) { return info.param.name; });
 
 TEST_F(XmlReader, OnlyTheExactTextTrueSwitchesPlaneDefinitionPointsOn)
 {
