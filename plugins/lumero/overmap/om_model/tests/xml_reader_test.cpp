@@ -201,6 +201,16 @@ TEST_F(XmlReader, AMissingHeadingKeepsTheObjectWithHeadingZero)
     EXPECT_LT(om_test::metres(read_cone->getGeoPosition(), GeoPosition(47.995, 10.245)), 1e-6);
 }
 
+TEST_F(XmlReader, AContourAndPoisReadWellDoNotMakeGoodABadHeading)
+{
+    EXPECT_FALSE(read(objects("<Car objectId=\"1\" heading=\"x\" latitude=\"47.995\" longitude=\"10.245\">"
+                              "<Pois><Poi name=\"a\" positionX=\"1\" positionY=\"2\"/></Pois>"
+                              "<Contour>2 1\n-2 1\n-2 -1\n2 -1\n</Contour></Car>")));
+    const auto car = object<overmap::Car>(1);
+    ASSERT_NE(car, nullptr);
+    EXPECT_EQ(car->getContour().size(), 4u);
+}
+
 TEST_F(XmlReader, APositionThatDoesNotConvertKeepsTheOldOneAndTheObject)
 {
     EXPECT_FALSE(read(objects(cone("objectId=\"1\" heading=\"15\" positionX=\"4\"") +
