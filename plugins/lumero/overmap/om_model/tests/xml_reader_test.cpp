@@ -264,11 +264,14 @@ TEST_F(XmlReader, ABrokenAntennaOffsetDropsTheCar)
 
 TEST_F(XmlReader, AnUnknownElementAmongObjectsStopsThePartAndKeepsWhatWasRead)
 {
-    EXPECT_FALSE(read(
-        objects(cone("objectId=\"1\" " + GEO) + "<Tree objectId=\"2\"/>" + cone("objectId=\"3\" " + GEO))));
+    EXPECT_FALSE(
+        read(objects(cone("objectId=\"1\" " + GEO) + "<Tree objectId=\"2\" referenceObjectID=\"1\"/>" +
+                     cone("objectId=\"3\" " + GEO))));
     EXPECT_TRUE(m_log.contains(CH, SEV_DETAIL, "Unkown node in overmap config \"Tree\""));
     EXPECT_NE(object<overmap::Cone>(1), nullptr);
     EXPECT_EQ(object<overmap::Cone>(3), nullptr);
+    EXPECT_EQ(m_log.count(CH, SEV_NOTE, "Error parsing reference object"), 0u)
+        << "the reference pass skips it";
 }
 
 // ---------------------------------------------------------------- POIs and contour
