@@ -17,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <string_view>
 
 namespace {
 
@@ -122,14 +123,56 @@ TEST_F(XmlReader, ABadViewNumberEndsTheViewPartButNotTheRest)
     EXPECT_EQ(m_manager.objectCount(), 1u);
 }
 
-TEST_F(XmlReader, APlanePointWithoutPositionYEndsTheView)
+// A part of the view that cannot be read ends the view with failure: what came before
+// stays, what follows is not read.
+struct BadViewPart
 {
-    EXPECT_FALSE(
-        read("<Overmap><View latitude=\"1\" longitude=\"2\" rotation=\"0\"><PrimaryPlanePoint latitude=\"1\" "
-             "longitude=\"2\" positionX=\"3\"/><MapSetupView latitude=\"1\" longitude=\"2\" rotation=\"3\" "
-             "mapScaleS=\"9\"/></View></Overmap>"));
-    EXPECT_NE(m_manager.getMapSetupView().scale, 9.0);
+    std::string name;
+    std::string children;
+    bool mapRead;
+    std::string imagePath;
+};
+
+void PrintTo(const BadViewPart& row, std::ostream* out)
+{
+    *out << row.name;
 }
+
+class XmlBadViewPart : public XmlReader, public ::testing::WithParamInterface<BadViewPart>
+{};
+
+TEST_P(XmlBadViewPart, EndsTheViewWithFailure)
+{
+    const BadViewPart& row = GetParam();
+    EXPECT_FALSE(read("<Overmap><View latitude=\"1\" longitude=\"2\" rotation=\"0\">" + row.children +
+                      "</View></Overmap>"));
+    EXPECT_EQ(m_manager.getMapSetupView().scale == 9.0, row.mapRead);
+    EXPECT_EQ(m_manager.getAerialImage().imagePath, row.imagePath);
+}
+
+const std::string MAP = "<MapSetupView latitude=\"1\" longitude=\"2\" rotation=\"3\" mapScaleS=\"9\"/>";
+const std::string IMAGE = "<BGImage imagePath=\"a.png\"/>";
+INSTANTIATE_TEST_SUITE_P(
+    Rows, XmlBadViewPart,
+    ::testing::Values(
+        BadViewPart{"PrimaryPoint",
+                    "<PrimaryPlanePoint latitude=\"1\" longitude=\"2\" positionX=\"3\"/>" + MAP + IMAGE,
+                    false, ""},
+        BadViewPart{"SecondaryPoint",
+                    "<SecondaryPlanePoint latitude=\"1\" longitude=\"x\" positionX=\"3\" positionY=\"4\"/>" +
+                        MAP + IMAGE,
+                    false, ""},
+        BadViewPart{"MapSetupView", "<MapSetupView latitude=\"1\" longitude=\"2\" rotation=\"3\"/>" + IMAGE,
+                    false, ""},
+        BadViewPart{"ImagePrimaryPoint",
+                    MAP + "<BGImage imagePath=\"a.png\"><PrimaryPlanePoint latitude=\"1\" longitude=\"2\" "
+                          "positionY=\"3\"/></BGImage>",
+                    true, "a.png"},
+        BadViewPart{"ImageSecondaryPoint",
+                    MAP + "<BGImage imagePath=\"a.png\"><SecondaryPlanePoint longitude=\"2\" positionX=\"3\" "
+                          "positionY=\"3\"/></BGImage>",
+                    true, "a.png"}),
+    [](const ::testing::TestParamInfo<BadViewPart>& info) { return info.param.name; });
 
 TEST_F(XmlReader, OnlyTheExactTextTrueSwitchesPlaneDefinitionPointsOn)
 {
@@ -156,6 +199,16 @@ TEST_F(XmlReader, AMissingHeadingKeepsTheObjectWithHeadingZero)
     ASSERT_NE(read_cone, nullptr);
     EXPECT_EQ(read_cone->getHeading(), 0.0);
     EXPECT_LT(om_test::metres(read_cone->getGeoPosition(), GeoPosition(47.995, 10.245)), 1e-6);
+}
+
+TEST_F(XmlReader, AContourAndPoisReadWellDoNotMakeGoodABadHeading)
+{
+    EXPECT_FALSE(read(objects("<Car objectId=\"1\" heading=\"x\" latitude=\"47.995\" longitude=\"10.245\">"
+                              "<Pois><Poi name=\"a\" positionX=\"1\" positionY=\"2\"/></Pois>"
+                              "<Contour>2 1\n-2 1\n-2 -1\n2 -1\n</Contour></Car>")));
+    const auto car = object<overmap::Car>(1);
+    ASSERT_NE(car, nullptr);
+    EXPECT_EQ(car->getContour().size(), 4u);
 }
 
 TEST_F(XmlReader, APositionThatDoesNotConvertKeepsTheOldOneAndTheObject)
@@ -211,11 +264,14 @@ TEST_F(XmlReader, ABrokenAntennaOffsetDropsTheCar)
 
 TEST_F(XmlReader, AnUnknownElementAmongObjectsStopsThePartAndKeepsWhatWasRead)
 {
-    EXPECT_FALSE(read(
-        objects(cone("objectId=\"1\" " + GEO) + "<Tree objectId=\"2\"/>" + cone("objectId=\"3\" " + GEO))));
+    EXPECT_FALSE(
+        read(objects(cone("objectId=\"1\" " + GEO) + "<Tree objectId=\"2\" referenceObjectID=\"1\"/>" +
+                     cone("objectId=\"3\" " + GEO))));
     EXPECT_TRUE(m_log.contains(CH, SEV_DETAIL, "Unkown node in overmap config \"Tree\""));
     EXPECT_NE(object<overmap::Cone>(1), nullptr);
     EXPECT_EQ(object<overmap::Cone>(3), nullptr);
+    EXPECT_EQ(m_log.count(CH, SEV_NOTE, "Error parsing reference object"), 0u)
+        << "the reference pass skips it";
 }
 
 // ---------------------------------------------------------------- POIs and contour
@@ -561,6 +617,40 @@ TEST(XmlVertexText, NumbersReadAsAStreamReadsThem)
     EXPECT_TRUE(parsePositionText("0x10 2").empty()) << "0 then x";
     EXPECT_EQ(parsePositionText("1 2 3").size(), 1u) << "half a pair is dropped";
 }
+
+// The text is a view into a longer buffer: a number that ends where the view ends is not
+// read on into what follows in memory.
+struct ViewEnd
+{
+    const char* name;
+    const char* buffer;
+    std::size_t length;
+    GeoPosition expected;
+};
+
+void PrintTo(const ViewEnd& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+class XmlVertexTextEnd : public ::testing::TestWithParam<ViewEnd>
+{};
+
+TEST_P(XmlVertexTextEnd, ReadingStopsAtTheEndOfTheView)
+{
+    const ViewEnd& row = GetParam();
+    const auto positions = overmap::xml::parsePositionText(std::string_view(row.buffer, row.length));
+    ASSERT_EQ(positions.size(), 1u);
+    EXPECT_EQ(positions[0], row.expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, XmlVertexTextEnd,
+                         ::testing::Values(ViewEnd{"Digits", "1 23", 3, GeoPosition(1.0, 2.0)},
+                                           ViewEnd{"Fraction", "1 2.75", 5, GeoPosition(1.0, 2.7)},
+                                           ViewEnd{"Exponent", "1 1e25", 5, GeoPosition(1.0, 100.0)}),
+                         [](const ::testing::TestParamInfo<ViewEnd>& info) {
+                             return std::string(info.param.name);
+                         });
 
 } // namespace
 
