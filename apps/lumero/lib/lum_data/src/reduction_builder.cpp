@@ -48,7 +48,7 @@ ReductionBuilder::ReductionBuilder(std::uint64_t block,
                                    std::vector<std::shared_ptr<MemoryReducedStream>> streams,
                                    std::uint64_t min_count)
     : m_block(std::max<std::uint64_t>(block, 2)), m_min_count(std::max<std::uint64_t>(min_count, 1)),
-      m_streams(std::move(streams))
+      m_streams(std::move(streams)), m_block_last(m_block - 1)
 {
     std::uint64_t factor = 1;
     for (std::size_t level = 0; level < m_streams.size(); ++level) {
@@ -103,10 +103,15 @@ void ReductionBuilder::add(std::uint64_t position, double value)
         return;
     m_last_position = position;
     Level& first = m_levels.front();
-    const std::uint64_t index = position / m_block;
-    if (first.index != index)
-        completeUpTo(position - position % m_block);
-    first.index = index;
+    // Most samples fall in the block of the one before: no division for them.
+    if (position > m_block_last) {
+        const std::uint64_t index = position / m_block;
+        const std::uint64_t start = index * m_block;
+        if (first.index != index)
+            completeUpTo(start);
+        first.index = index;
+        m_block_last = start + std::min(m_block - 1, std::numeric_limits<std::uint64_t>::max() - start);
+    }
     first.current.add(value);
 }
 

@@ -68,6 +68,8 @@ private:
     std::vector<Level> m_levels;
     std::uint64_t m_complete_level1 = 0;
     std::uint64_t m_last_position = 0;
+    /// Last position of the block the first level accumulates: add() divides only past it.
+    std::uint64_t m_block_last = 0;
 };
 
 } // namespace lum::data
