@@ -206,12 +206,29 @@ void writeCsv(std::ostream& out, const std::vector<ReplayRow>& rows)
         line.append(number, result.ec == std::errc() ? result.ptr : number);
         line += ',';
     };
+    // Rows of one object follow one another: its name is quoted once per run of rows.
+    std::string name;
+    std::string quoted_name;
     for (const ReplayRow& row : rows) {
         line.clear();
-        append(row.time, -1);
-        line += std::to_string(row.object_id);
+        // Whole seconds below 1e5 print as their digits, which is what to_chars would
+        // choose; from 1e5 on it may prefer the exponent.
+        if (row.time >= 0.0 && row.time < 1e5 && !std::signbit(row.time) &&
+            row.time == std::floor(row.time)) {
+            line.append(
+                number,
+                std::to_chars(number, number + sizeof number, static_cast<std::int32_t>(row.time)).ptr);
+            line += ',';
+        } else {
+            append(row.time, -1);
+        }
+        line.append(number, std::to_chars(number, number + sizeof number, row.object_id).ptr);
         line += ',';
-        line += csvText(row.name);
+        if (quoted_name.empty() || row.name != name) {
+            name = row.name;
+            quoted_name = csvText(row.name);
+        }
+        line += quoted_name;
         line += ',';
         append(row.latitude, 9);
         append(row.longitude, 9);

@@ -410,3 +410,30 @@ TEST(CsvRows, NumbersAreWrittenAsPrintfWritesThem)
 }
 
 } // namespace
+
+// Rows as the CSV writer prints them: whole seconds as digits until the exponent is
+// shorter, names quoted only when they must be, also when rows of two objects alternate.
+TEST(ReplayCsv, RowsPrintTimesAndNamesAsWritten)
+{
+    const std::vector<overmap_replay::ReplayRow> rows = {
+        {0.0, 1, "car", 1.5, 2.0, 90.0, 3.0, -4.0, true},
+        {0.0, 22, "a, b", 0.0, 0.0, 0.0, 0.0, 0.0, false},
+        {7.0, 1, "car", 0.0, 0.0, 0.0, 0.0, 0.0, true},
+        {99999.0, 22, "a, b", 0.0, 0.0, 0.0, 0.0, 0.0, true},
+        {100000.0, 22, "say \"hi\"", 0.0, 0.0, 0.0, 0.0, 0.0, true},
+        {0.25, 1, "car", 0.0, 0.0, 0.0, 0.0, 0.0, true},
+        {-0.0, 1, "", 0.0, 0.0, 0.0, 0.0, 0.0, true},
+        {-3.0, -5, "car", 0.0, 0.0, 0.0, 0.0, 0.0, true},
+    };
+    std::ostringstream out;
+    overmap_replay::writeCsv(out, rows);
+    EXPECT_EQ(out.str(), "time,object_id,name,latitude,longitude,heading,x,y,valid\n"
+                         "0,1,car,1.500000000,2.000000000,90.000,3.000,-4.000,1\n"
+                         "0,22,\"a, b\",0.000000000,0.000000000,0.000,0.000,0.000,0\n"
+                         "7,1,car,0.000000000,0.000000000,0.000,0.000,0.000,1\n"
+                         "99999,22,\"a, b\",0.000000000,0.000000000,0.000,0.000,0.000,1\n"
+                         "1e+05,22,\"say \"\"hi\"\"\",0.000000000,0.000000000,0.000,0.000,0.000,1\n"
+                         "0.25,1,car,0.000000000,0.000000000,0.000,0.000,0.000,1\n"
+                         "-0,1,,0.000000000,0.000000000,0.000,0.000,0.000,1\n"
+                         "-3,-5,car,0.000000000,0.000000000,0.000,0.000,0.000,1\n");
+}

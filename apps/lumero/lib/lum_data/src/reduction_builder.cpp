@@ -48,7 +48,7 @@ ReductionBuilder::ReductionBuilder(std::uint64_t block,
                                    std::vector<std::shared_ptr<MemoryReducedStream>> streams,
                                    std::uint64_t min_count)
     : m_block(std::max<std::uint64_t>(block, 2)), m_min_count(std::max<std::uint64_t>(min_count, 1)),
-      m_streams(std::move(streams))
+      m_streams(std::move(streams)), m_block_last(m_block - 1)
 {
     std::uint64_t factor = 1;
     for (std::size_t level = 0; level < m_streams.size(); ++level) {
@@ -60,6 +60,9 @@ ReductionBuilder::ReductionBuilder(std::uint64_t block,
         factor *= m_block;
         m_levels.push_back(Level{factor, 0, ReducedAccumulator{}});
     }
+    if ((m_block & (m_block - 1)) == 0)
+        while ((std::uint64_t{1} << m_block_shift) < m_block)
+            ++m_block_shift;
 }
 
 std::uint64_t ReductionBuilder::factor(std::uint32_t level) const
@@ -78,7 +81,7 @@ void ReductionBuilder::flush(std::size_t level)
         // The block above is this one's own: the completeUpTo() that began this block
         // (add() calls it on every change of block) closed any earlier one above.
         Level& above = m_levels[level + 1];
-        above.index = here.index / m_block;
+        above.index = m_block_shift > 0 ? here.index >> m_block_shift : here.index / m_block;
         above.current.merge(here.current);
     }
     here.current = ReducedAccumulator{};
@@ -88,13 +91,13 @@ void ReductionBuilder::completeUpTo(std::uint64_t end)
 {
     for (std::size_t level = 0; level < m_levels.size(); ++level) {
         Level& here = m_levels[level];
-        const std::uint64_t complete = end / here.factor;
+        const std::uint64_t complete = entryOf(end, level);
         if (here.current.count > 0 && here.index < complete)
             flush(level);
         m_streams[level]->setEntryCount(complete);
     }
     if (!m_levels.empty())
-        m_complete_level1 = std::max(m_complete_level1, end / m_block);
+        m_complete_level1 = std::max(m_complete_level1, entryOf(end, 0));
 }
 
 void ReductionBuilder::add(std::uint64_t position, double value)
@@ -103,10 +106,15 @@ void ReductionBuilder::add(std::uint64_t position, double value)
         return;
     m_last_position = position;
     Level& first = m_levels.front();
-    const std::uint64_t index = position / m_block;
-    if (first.index != index)
-        completeUpTo(position - position % m_block);
-    first.index = index;
+    // Most samples fall in the block of the one before: no division for them.
+    if (position > m_block_last) {
+        const std::uint64_t index = entryOf(position, 0);
+        const std::uint64_t start = index * m_block;
+        if (first.index != index)
+            completeUpTo(start);
+        first.index = index;
+        m_block_last = start + std::min(m_block - 1, std::numeric_limits<std::uint64_t>::max() - start);
+    }
     first.current.add(value);
 }
 

@@ -28,14 +28,6 @@ bool named(const pugi::xml_node& node, const char* name)
     return node.type() == pugi::node_element && std::strcmp(localName(node), name) == 0;
 }
 
-pugi::xml_node child(const pugi::xml_node& node, const char* name)
-{
-    for (pugi::xml_node c : node.children())
-        if (named(c, name))
-            return c;
-    return {};
-}
-
 struct Point
 {
     double time;
@@ -88,7 +80,19 @@ ImportResult importGpxText(std::string_view text, const std::string& source)
                 const auto lon = detail::toDouble(pt.attribute("lon").value());
                 double time = NaN;
                 bool utc = false;
-                const pugi::xml_node time_node = child(pt, "time");
+                // One walk over the point's children finds the first of each.
+                pugi::xml_node time_node, ele_node, speed_node;
+                for (pugi::xml_node c : pt.children()) {
+                    if (c.type() != pugi::node_element)
+                        continue;
+                    const char* name = localName(c);
+                    if (!time_node && std::strcmp(name, "time") == 0)
+                        time_node = c;
+                    else if (!ele_node && std::strcmp(name, "ele") == 0)
+                        ele_node = c;
+                    else if (!speed_node && std::strcmp(name, "speed") == 0)
+                        speed_node = c;
+                }
                 if (!time_node) {
                     ++untimed;
                     detail::countBad(rec, index);
@@ -100,8 +104,8 @@ ImportResult importGpxText(std::string_view text, const std::string& source)
                     continue;
                 }
                 utc_all = utc_all && utc;
-                const auto ele = detail::toDouble(child(pt, "ele").text().get());
-                const auto speed = detail::toDouble(child(pt, "speed").text().get());
+                const auto ele = detail::toDouble(ele_node.text().get());
+                const auto speed = detail::toDouble(speed_node.text().get());
                 points.push_back({time, *lat, *lon, ele.value_or(NaN), speed.value_or(NaN), index});
             }
         }

@@ -48,11 +48,22 @@ std::int64_t daysFromCivil(std::int64_t year, unsigned month, unsigned day)
     return era * 146097 + static_cast<std::int64_t>(doe) - 719468;
 }
 
+namespace {
+
+// The blanks of the "C" locale, tested inline: trim() runs on every field of every line,
+// and a file reads the same whatever locale the host process set.
+bool blank(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+} // namespace
+
 std::string_view trim(std::string_view s)
 {
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front())))
+    while (!s.empty() && blank(s.front()))
         s.remove_prefix(1);
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back())))
+    while (!s.empty() && blank(s.back()))
         s.remove_suffix(1);
     return s;
 }

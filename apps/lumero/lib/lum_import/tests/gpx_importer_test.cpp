@@ -39,6 +39,21 @@ TEST(GpxImport, HeadingIsBearingBetweenPointsSpeedFromFileOrDistance)
     EXPECT_TRUE(rec.start_time_utc);
 }
 
+TEST(GpxImport, APointsFirstTimeElevationAndSpeedCountInAnyOrderAndPrefix)
+{
+    const auto r = importGpxText(R"(<gpx xmlns:g="urn:g"><trk><trkseg>
+ <trkpt lat="1" lon="2"><!-- fix --><g:speed>2</g:speed><ele>5</ele><ele>9</ele>
+  <g:time>2020-01-01T00:00:00Z</g:time><time>2021-01-01T00:00:00Z</time><speed>4</speed></trkpt>
+ <trkpt lat="1" lon="2.001"><time>2020-01-01T00:00:01Z</time><ele>6</ele></trkpt>
+</trkseg></trk></gpx>)");
+    ASSERT_TRUE(r) << r.error;
+    const auto& rec = r.recording;
+    EXPECT_EQ(rec.channel("latitude")->times, (std::vector<double>{0.0, 1.0}));
+    EXPECT_EQ(rec.channel("altitude")->values, (std::vector<double>{5.0, 6.0}));
+    EXPECT_DOUBLE_EQ(rec.channel("speed")->values.at(0), 7.2) << "2 m/s from the first speed";
+    EXPECT_DOUBLE_EQ(rec.start_time, 1577836800.0);
+}
+
 TEST(GpxImport, BrokenAndUnreplayableFilesAreRefusedWithAReason)
 {
     struct Case

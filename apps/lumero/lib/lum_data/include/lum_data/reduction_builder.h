@@ -59,6 +59,13 @@ private:
         ReducedAccumulator current;
     };
 
+    /// @p position / the factor of @p level (0 = first): a shift when the block is a power of two.
+    std::uint64_t entryOf(std::uint64_t position, std::size_t level) const
+    {
+        return m_block_shift > 0 ? position >> (m_block_shift * (level + 1))
+                                 : position / m_levels[level].factor;
+    }
+
     /// Writes the block that @p level accumulates and merges it into the level above.
     void flush(std::size_t level);
 
@@ -68,6 +75,10 @@ private:
     std::vector<Level> m_levels;
     std::uint64_t m_complete_level1 = 0;
     std::uint64_t m_last_position = 0;
+    /// Last position of the block the first level accumulates: add() divides only past it.
+    std::uint64_t m_block_last = 0;
+    /// log2 of the block when it is a power of two, else 0.
+    unsigned m_block_shift = 0;
 };
 
 } // namespace lum::data
