@@ -228,7 +228,10 @@ class RealRecording : public ::testing::TestWithParam<RealFile>
 TEST_P(RealRecording, ReplaysTheFixAtOrBeforeEachTimeOrIsRefusedInOneLine)
 {
     const std::string path = std::string(LUMERO_REALDATA_DIR "/") + GetParam().path;
-    const std::string out = ::testing::TempDir() + "overmap_replay_real";
+    // One set of output files per file under test: ctest runs the rows side by side.
+    std::string stem = GetParam().path;
+    std::replace(stem.begin(), stem.end(), '/', '_');
+    const std::string out = ::testing::TempDir() + "overmap_replay_real_" + stem;
     std::vector<std::string> args = {"--data",         path,    "--kml",      out + ".kml", "--geojson",
                                      out + ".geojson", "--png", out + ".png", "--png-size", "200x150"};
     if (GetParam().refusal) {
