@@ -82,8 +82,9 @@ double nextTime(double time)
 
 void perCar(benchmark::State& state)
 {
-    state.counters["per_car_ns"] = benchmark::Counter(static_cast<double>(state.iterations() * CARS),
-                                                      benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    state.counters["per_car_ns"] =
+        benchmark::Counter(static_cast<double>(state.iterations() * CARS),
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
 void BM_StepPlainModel(benchmark::State& state)
@@ -123,7 +124,8 @@ void BM_StepDisplayObjects(benchmark::State& state)
         car->setLatitudeChannel(drive[0].get());
         car->setLongitudeChannel(drive[1].get());
         car->setHeadingChannel(drive[2].get());
-        QObject::connect(car.get(), &overmap_ui::QPositionObject::positionChanged, &view, [&told] { ++told; });
+        QObject::connect(car.get(), &overmap_ui::QPositionObject::positionChanged, &view,
+                         [&told] { ++told; });
         QObject::connect(car.get(), &overmap_ui::QPositionObject::headingChanged, &view, [&told] { ++told; });
         cars.push_back(std::move(car));
     }
