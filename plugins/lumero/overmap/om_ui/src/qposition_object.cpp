@@ -279,29 +279,24 @@ void QPositionObject::setXYPosition(QPointF point)
 
 void QPositionObject::setLatitude(double value)
 {
-    GeoPosition position = m_model->getGeoPosition();
-    if (std::fabs(value - position.latitude) <= VALUE_TOLERANCE)
-        return;
-    position.latitude = value;
-    m_model->setGeoPosition(position);
-    updateValidity();
-    Q_EMIT latitudeChanged();
-    Q_EMIT positionChanged();
-    Q_EMIT centerPositionChanged();
-    Q_EMIT xyPositionChanged();
-    Q_EMIT useXYCoordinatesChanged();
-    Q_EMIT dataChanged();
+    setGeoCoordinate(&GeoPosition::latitude, value, &QPositionObject::latitudeChanged);
 }
 
 void QPositionObject::setLongitude(double value)
 {
+    setGeoCoordinate(&GeoPosition::longitude, value, &QPositionObject::longitudeChanged);
+}
+
+void QPositionObject::setGeoCoordinate(double GeoPosition::*coordinate, double value,
+                                       void (QPositionObject::*changed)())
+{
     GeoPosition position = m_model->getGeoPosition();
-    if (std::fabs(value - position.longitude) <= VALUE_TOLERANCE)
+    if (std::fabs(value - position.*coordinate) <= VALUE_TOLERANCE)
         return;
-    position.longitude = value;
+    position.*coordinate = value;
     m_model->setGeoPosition(position);
     updateValidity();
-    Q_EMIT longitudeChanged();
+    Q_EMIT(this->*changed)();
     Q_EMIT positionChanged();
     Q_EMIT centerPositionChanged();
     Q_EMIT xyPositionChanged();

@@ -146,6 +146,9 @@ private:
         LONGITUDE
     };
     void bindPositionChannel(Axis axis, lum::qchannel::QChannel* channel);
+    /// Sets the latitude or the longitude by hand; @p changed is that coordinate's own signal.
+    void setGeoCoordinate(double math_geo::GeoPosition::*coordinate, double value,
+                          void (QPositionObject::*changed)());
     void fillPoiList();
     void onPoiAdded(QObject* object);
     /// Drops both position channels, as a null channel would.
