@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QSortFilterProxyModel>
+#include <qchannel/channel_list_sort_filter_proxy_model.h>
 
 namespace overmap_ui {
 
 /// The channels a view offers as GPS sources (latitude, longitude, heading, quality):
 /// the scalar channels of a channel list, in the list's order.
-class GPSSourceFilterModel : public QSortFilterProxyModel
+class GPSSourceFilterModel : public lum::qchannel::ChannelListSortFilterProxyModel
 {
     Q_OBJECT
 
@@ -15,7 +15,7 @@ public:
     ~GPSSourceFilterModel() override;
 
 protected:
-    bool filterAcceptsRow(int source_row, const QModelIndex& source_parent) const override;
+    bool acceptsChannel(const lum::qchannel::QChannel& channel) const override;
 };
 
 } // namespace overmap_ui
