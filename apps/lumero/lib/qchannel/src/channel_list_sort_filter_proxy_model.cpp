@@ -66,7 +66,8 @@ QStringList ChannelListSortFilterProxyModel::uniqueListForProperty(const QString
         const auto* channel = qobject_cast<const QChannel*>(at(row));
         if (channel == nullptr)
             continue;
-        QString text = itemText(*channel, key);
+        // The same texts as the channel list gives for all its channels.
+        QString text = channel->getStringRepresentation(key);
         if (text.isEmpty())
             continue;
         text[0] = text.at(0).toUpper();

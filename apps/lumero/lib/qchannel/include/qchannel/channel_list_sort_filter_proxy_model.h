@@ -30,7 +30,7 @@ public:
     Q_INVOKABLE QStringList uniqueListForProperty(const QString& key, int maxResults) const;
     Q_INVOKABLE QStringList uniqueListForProperty(const QString& key) const;
 
-    /// The text of item @p key of @p channel as lists and filters compare it: a CAN
+    /// The text of item @p key of @p channel as filters and sorting compare it: a CAN
     /// message id in hexadecimal ("0xff"), any other item in its text form.
     static QString itemText(const QChannel& channel, const QString& key);
 
