@@ -121,11 +121,7 @@ void QCar::setGpsOffset(QPointF offset)
     m_car->setGpsOffset(Point2D(offset.x(), offset.y(), m_car->localCoordinateSystem()));
     Q_EMIT gpsOffsetChanged(offset);
     updateValidity();
-    Q_EMIT latitudeChanged();
-    Q_EMIT longitudeChanged();
-    Q_EMIT positionChanged();
-    Q_EMIT centerPositionChanged();
-    Q_EMIT xyPositionChanged();
+    emitPlaceChanged();
     Q_EMIT dataChanged();
 }
 

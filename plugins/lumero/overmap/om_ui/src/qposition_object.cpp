@@ -107,13 +107,18 @@ void QPositionObject::updatePositionData(double time)
     m_model->update(time);
     updateValidity();
     // The model alone knows whether anything moved, so the views are told at each step.
+    emitPlaceChanged();
+    Q_EMIT headingChanged();
+    Q_EMIT inputHeadingChanged();
+}
+
+void QPositionObject::emitPlaceChanged()
+{
     Q_EMIT latitudeChanged();
     Q_EMIT longitudeChanged();
     Q_EMIT positionChanged();
     Q_EMIT centerPositionChanged();
     Q_EMIT xyPositionChanged();
-    Q_EMIT headingChanged();
-    Q_EMIT inputHeadingChanged();
 }
 
 void QPositionObject::updateValidity()
@@ -242,11 +247,7 @@ void QPositionObject::setPosition(const QGeoCoordinate& coordinate)
     m_model->setGeoPosition(wanted);
     updateValidity();
     Q_EMIT referenceObjectChanged();
-    Q_EMIT latitudeChanged();
-    Q_EMIT longitudeChanged();
-    Q_EMIT positionChanged();
-    Q_EMIT centerPositionChanged();
-    Q_EMIT xyPositionChanged();
+    emitPlaceChanged();
     Q_EMIT useXYCoordinatesChanged();
     Q_EMIT dataChanged();
 }
@@ -268,11 +269,7 @@ void QPositionObject::setXYPosition(QPointF point)
     dropPositionChannels();
     m_model->setXYPosition(wanted);
     updateValidity();
-    Q_EMIT latitudeChanged();
-    Q_EMIT longitudeChanged();
-    Q_EMIT positionChanged();
-    Q_EMIT centerPositionChanged();
-    Q_EMIT xyPositionChanged();
+    emitPlaceChanged();
     Q_EMIT useXYCoordinatesChanged();
     Q_EMIT dataChanged();
 }
@@ -337,11 +334,7 @@ void QPositionObject::setUseXYCoordinates(bool use)
     else
         m_model->setGeoPosition(m_model->getGeoPosition());
     updateValidity();
-    Q_EMIT latitudeChanged();
-    Q_EMIT longitudeChanged();
-    Q_EMIT positionChanged();
-    Q_EMIT centerPositionChanged();
-    Q_EMIT xyPositionChanged();
+    emitPlaceChanged();
     Q_EMIT useXYCoordinatesChanged();
     Q_EMIT dataChanged();
 }
@@ -424,11 +417,7 @@ void QPositionObject::setReferenceObject(QPositionObject* object)
     }
     updateValidity();
     Q_EMIT referenceObjectChanged();
-    Q_EMIT latitudeChanged();
-    Q_EMIT longitudeChanged();
-    Q_EMIT positionChanged();
-    Q_EMIT centerPositionChanged();
-    Q_EMIT xyPositionChanged();
+    emitPlaceChanged();
     Q_EMIT useXYCoordinatesChanged();
     Q_EMIT headingChanged();
     Q_EMIT inputHeadingChanged();

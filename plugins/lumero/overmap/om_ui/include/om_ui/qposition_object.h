@@ -138,6 +138,9 @@ protected Q_SLOTS:
 
 protected:
     void updateValidity();
+    /// Tells the views that the object's place moved: latitude, longitude, position, centre
+    /// (which follows the position) and XY position, in that order.
+    void emitPlaceChanged();
 
 private:
     enum class Axis
