@@ -60,8 +60,8 @@ struct Scene
             ferrin::ChannelSetup setup;
             setup.id = channel_config::ChannelID(1, local_id);
             setup.time_base = std::make_shared<lum::data::MemoryTimeBase>(RATE, 0.0);
-            auto channel = lum::data::SyncScalarChannel::create(std::move(setup), std::move(values), regions,
-                                                                local_id);
+            auto channel =
+                lum::data::SyncScalarChannel::create(std::move(setup), std::move(values), regions, local_id);
             channels.appendChannel(new lum::qchannel::QChannel(channel));
             return channel;
         };

@@ -82,13 +82,13 @@ QString localPath(const QUrl& url)
 } // namespace
 
 OvermapModel::OvermapModel(QObject* parent)
-    : QObject(parent)
-    , m_network(std::make_unique<QNetworkAccessManager>())
-    , m_input_channels(std::make_unique<QChannelListModel>(QChannelListModel::DELIVERY_IMMEDIATE))
-    , m_objects_manager(std::make_unique<QObjectManager>(m_reference_plane.projectionPlane()))
+    : QObject(parent), m_network(std::make_unique<QNetworkAccessManager>()),
+      m_input_channels(std::make_unique<QChannelListModel>(QChannelListModel::DELIVERY_IMMEDIATE)),
+      m_objects_manager(std::make_unique<QObjectManager>(m_reference_plane.projectionPlane()))
 {
     m_objects_manager->setChannelFetcher(&m_channel_fetcher);
-    connect(m_objects_manager.get(), &QObjectManager::dataChanged, this, &OvermapModel::scheduleExtensionUpdate);
+    connect(m_objects_manager.get(), &QObjectManager::dataChanged, this,
+            &OvermapModel::scheduleExtensionUpdate);
     connect(m_objects_manager.get(), &QObjectManager::dataChanged, this, &OvermapModel::resetInputChannels);
     connect(&m_reference_plane, &ReferencePlane::planeChanged, m_objects_manager.get(),
             &QObjectManager::updateXYPositions);
@@ -148,10 +148,9 @@ void OvermapModel::sendXMLToExtension()
     overmap::ObjectManager record;
     record.setDescription(m_description.toStdString());
     record.setReferencePlane(*m_reference_plane.projectionPlane());
-    record.setPlaneDefinition({toGeo(m_reference_plane.primaryGPSPoint()),
-                               toGeo(m_reference_plane.secondaryGPSPoint()),
-                               toPoint(m_reference_plane.primaryXYPoint()),
-                               toPoint(m_reference_plane.secondaryXYPoint())});
+    record.setPlaneDefinition(
+        {toGeo(m_reference_plane.primaryGPSPoint()), toGeo(m_reference_plane.secondaryGPSPoint()),
+         toPoint(m_reference_plane.primaryXYPoint()), toPoint(m_reference_plane.secondaryXYPoint())});
     record.setUsePlaneDefinitionPoints(m_reference_plane.usePointsDefinition());
     record.setViewDescription(m_reference_plane.description().toStdString());
     overmap::MapSetupView view;
@@ -298,7 +297,8 @@ void OvermapModel::resetInputChannels()
     QList<QObject*> channels;
     QSet<QObject*> seen;
     for (QPositionObject* object : m_objects_manager->positionObjects()->typedList()) {
-        for (QChannel* channel : {object->headingChannel(), object->latitudeChannel(), object->longitudeChannel()}) {
+        for (QChannel* channel :
+             {object->headingChannel(), object->latitudeChannel(), object->longitudeChannel()}) {
             if (channel != nullptr && !seen.contains(channel)) {
                 seen.insert(channel);
                 channels.append(channel);
@@ -499,8 +499,8 @@ bool OvermapModel::loadLocation(QUrl url)
 
 bool OvermapModel::loadObjects(QUrl url)
 {
-    return loadParts(url, {QStringLiteral("GeoObjects"), QStringLiteral("Tracks"), QStringLiteral("Calculations")},
-                     false);
+    return loadParts(
+        url, {QStringLiteral("GeoObjects"), QStringLiteral("Tracks"), QStringLiteral("Calculations")}, false);
 }
 
 bool OvermapModel::loadParts(const QUrl& url, const QStringList& elements, bool extract_images)
@@ -571,8 +571,8 @@ void OvermapModel::checkNetworkReply(QNetworkReply* reply)
     if (online != m_online) {
         // Logged on a change only: an offline machine hears of it once, not every minute.
         if (online)
-            UNI_LOG(detail::LOG_CHANNEL, SEV_NOTICE) << "Map provider reachable again at "
-                                                     << m_probe_url.toString().toStdString();
+            UNI_LOG(detail::LOG_CHANNEL, SEV_NOTICE)
+                << "Map provider reachable again at " << m_probe_url.toString().toStdString();
         else
             UNI_LOG(detail::LOG_CHANNEL, SEV_NOTICE)
                 << "Map provider not reachable at " << m_probe_url.toString().toStdString() << ": "

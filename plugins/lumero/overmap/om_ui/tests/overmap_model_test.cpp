@@ -69,8 +69,8 @@ class Recordings
 public:
     Recordings()
         : m_loaded(overmap_replay::loadRecordings({LUMERO_EXAMPLES_DIR "/recordings/car1_drive_100hz.csv",
-                                                   LUMERO_EXAMPLES_DIR "/recordings/car2_drive_100hz.csv"}))
-        , m_list(lum::qchannel::QChannelListModel::DELIVERY_IMMEDIATE, true)
+                                                   LUMERO_EXAMPLES_DIR "/recordings/car2_drive_100hz.csv"})),
+          m_list(lum::qchannel::QChannelListModel::DELIVERY_IMMEDIATE, true)
     {
         EXPECT_TRUE(m_loaded) << m_loaded.error;
         for (const auto& channel : m_loaded.manager->channels())
@@ -167,7 +167,8 @@ TEST_F(OvermapModelTest, ExampleSetupLoadsBindsChannelsAndFollowsTheTime)
     auto* car1 = qobject_cast<QPositionObject*>(manager->getObjectById(1));
     ASSERT_NE(car1, nullptr);
     ASSERT_NE(car1->latitudeChannel(), nullptr);
-    EXPECT_EQ(car1->latitudeChannel()->ferrinScalarChannel()->getChannelId(), channel_config::ChannelID(1, 1));
+    EXPECT_EQ(car1->latitudeChannel()->ferrinScalarChannel()->getChannelId(),
+              channel_config::ChannelID(1, 1));
 
     model->setDisplayTime(65.0);
     EXPECT_NEAR(car1->latitude(), m_recordings.valueAt(channel_config::ChannelID(1, 1), 65.0), 1e-12);
@@ -363,7 +364,8 @@ TEST_F(OvermapModelTest, ViewCentreAtZeroOpensAtThePlaneOrigin)
 {
     auto model = makeModel();
     m_extension.setExtensionConfiguration(
-        "<Overmap><View latitude=\"47.5\" longitude=\"10.5\" rotation=\"0\" usePlaneDefinitionPoints=\"false\">"
+        "<Overmap><View latitude=\"47.5\" longitude=\"10.5\" rotation=\"0\" "
+        "usePlaneDefinitionPoints=\"false\">"
         "<MapSetupView latitude=\"0\" longitude=\"0\" rotation=\"0\" mapScaleS=\"1\"/></View>"
         "<GeoObjects/><Tracks/><Calculations/></Overmap>");
     EXPECT_EQ(model->referencePlane()->viewCenter(), QGeoCoordinate(47.5, 10.5));
@@ -391,8 +393,8 @@ TEST_F(OvermapModelTest, DefaultPositionStepsOffOccupiedPlaces)
     for (double step : {2.0, 1.0, 0.0}) {
         auto* cone = qobject_cast<QPositionObject*>(manager->addObject(QGeoObject::CONE));
         ASSERT_NE(cone, nullptr);
-        const math_geo::GeoPosition place = plane.toGeoPosition(
-            math_geo::Point2D(-step, -step, plane.getXYCoordinateSystem()));
+        const math_geo::GeoPosition place =
+            plane.toGeoPosition(math_geo::Point2D(-step, -step, plane.getXYCoordinateSystem()));
         cone->setPosition(QGeoCoordinate(place.latitude, place.longitude));
     }
     const QGeoCoordinate result = model->defaultPosition();
