@@ -2,6 +2,8 @@
 
 #include "om_ui_log.h"
 
+#include <om_model/calculation.h>
+
 #include <ferrin_core/channel.h>
 #include <ferrin_core/scalar_channel.h>
 #include <qchannel/qchannel.h>
@@ -54,6 +56,16 @@ QChannel* QChannelFetcher::qchannelOf(const ferrin::Channel* channel) const
     if (channel == nullptr || m_channel_list == nullptr)
         return nullptr;
     return m_channel_list->getChannelByID(channel->getChannelId());
+}
+
+QChannel* QChannelFetcher::resultChannelOf(int calc_id) const
+{
+    // A renaming before the channel list arrives has no channel to follow it: no assertion.
+    if (m_channel_list == nullptr || calc_id < 0)
+        return nullptr;
+    const std::uint32_t local_id =
+        overmap::CALCULATION_RESULT_LOCAL_ID_BASE + static_cast<std::uint32_t>(calc_id);
+    return m_channel_list->getChannelByID(channel_config::ChannelID(m_node_id, local_id));
 }
 
 } // namespace overmap_ui

@@ -8,6 +8,9 @@ namespace overmap {
 
 class GeoObject;
 
+/// The host's calculation extension gives the result channel of calculation n the local id BASE + n.
+inline constexpr std::uint32_t CALCULATION_RESULT_LOCAL_ID_BASE = 0x40000000u;
+
 enum class DistanceType
 {
     EUCLIDEAN = 0,

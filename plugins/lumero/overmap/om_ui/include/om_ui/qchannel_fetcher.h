@@ -40,6 +40,9 @@ public:
     lum::qchannel::QChannel* getChannelByLocalId(std::uint32_t local_id) const;
     /// The QChannel of @p channel, by its id; null without list or channel.
     lum::qchannel::QChannel* qchannelOf(const ferrin::Channel* channel) const;
+    /// The channel in which the host's extension delivers the result of calculation
+    /// @p calc_id; null without list, or before the extension made it.
+    lum::qchannel::QChannel* resultChannelOf(int calc_id) const;
 
 private:
     lum::qchannel::QChannelListModel* m_channel_list = nullptr;
