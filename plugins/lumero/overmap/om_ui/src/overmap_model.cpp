@@ -10,6 +10,7 @@
 #include <om_ui/qobject_manager.h>
 #include <om_ui/qtrack.h>
 
+#include <ferrin_core/scalar_channel.h>
 #include <lum_host/if_application_state.h>
 #include <lum_host/qextension_module.h>
 #include <lum_utils/image_setup_xml.h>
@@ -17,6 +18,7 @@
 #include <math_geo/geo_position.h>
 #include <om_model/car.h>
 #include <om_model/cone.h>
+#include <om_model/coordinate_defaults.h>
 #include <om_model/locator.h>
 #include <om_model/object_manager.h>
 #include <om_model/overmap_xml_read_writer.h>
@@ -514,7 +516,7 @@ bool OvermapModel::loadParts(const QUrl& url, const QStringList& elements, bool 
     pugi::xml_document source;
     target.load_buffer(extension_text.constData(), static_cast<std::size_t>(extension_text.size()));
     source.load_buffer(file_text.constData(), static_cast<std::size_t>(file_text.size()));
-    const pugi::xml_node target_root = target.child("Overmap");
+    pugi::xml_node target_root = target.child("Overmap");
     const pugi::xml_node source_root = source.child("Overmap");
     // All elements must be there in both before anything changes.
     for (const QString& name : elements) {

@@ -43,7 +43,15 @@ QObjectManager::QObjectManager(math_geo::ProjectionPlane* plane, QObject* parent
         keepNative(list);
 }
 
-QObjectManager::~QObjectManager() = default;
+QObjectManager::~QObjectManager()
+{
+    // Tracks have no parent: the manager owns every object of its lists.
+    const QList<QObject*> objects = m_all_objects->list();
+    m_position_objects->clearList(false);
+    m_tracks->clearList(false);
+    m_all_objects->clearList(false);
+    qDeleteAll(objects);
+}
 
 QGeoObject* QObjectManager::addObject(QGeoObject::Type type)
 {

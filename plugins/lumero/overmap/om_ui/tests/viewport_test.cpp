@@ -169,9 +169,8 @@ TEST(PositionObjectsFilteredModel, HidesTheIdsOfItsSetAndFollowsTheSource)
     objects.append(static_cast<QObject*>(nullptr));
     EXPECT_EQ(filter.rowCount(), 3) << "a null row is refused";
 
-    QSignalSpy reset(&filter, &QAbstractItemModel::layoutChanged);
     QSignalSpy removed(&filter, &QAbstractItemModel::rowsRemoved);
-    ASSERT_TRUE(reset.isValid() && removed.isValid());
+    ASSERT_TRUE(removed.isValid());
     filter.setFiltered(cones[1]->objectId(), true);
     EXPECT_EQ(filter.rowCount(), 2);
     EXPECT_TRUE(filter.isFiltered(cones[1]->objectId()));
