@@ -191,6 +191,7 @@ void PrintTo(const ChainCase& chain_case, std::ostream* out)
 {
     *out << chain_case.name;
 }
+
 const QRectF DEFAULT_GEOMETRY(0.0, 0.0, 0.2, 0.2);
 
 class Chain : public ::testing::TestWithParam<ChainCase>
@@ -207,6 +208,7 @@ TEST_P(Chain, SignalsGoOutInOrder)
 
     EXPECT_EQ(recorder.names, GetParam().signal_names);
     EXPECT_EQ(model.getGeometry(), GetParam().geometry);
+    EXPECT_EQ(setting.count(), GetParam().signal_names.count("settingChanged"));
     for (const QList<QVariant>& arguments : setting) {
         EXPECT_EQ(arguments.at(0).value<QObject*>(), &model);
         EXPECT_EQ(arguments.at(1).toString(), GetParam().setting);
@@ -214,116 +216,53 @@ TEST_P(Chain, SignalsGoOutInOrder)
 }
 
 const double NAN_VALUE = std::numeric_limits<double>::quiet_NaN();
+using M = TestInstrument;
+using L = InstrumentModel;
+const QRectF DEF = DEFAULT_GEOMETRY;
+const QStringList ALL_THREE =
+    geometry("positionChanged") + geometry("widthChanged") + geometry("heightChanged");
 
-INSTANTIATE_TEST_SUITE_P(
-    Setters, Chain,
-    ::testing::Values(
-        ChainCase{"key", [](TestInstrument& m) { m.setKey("left"); }, {"keyChanged"}, DEFAULT_GEOMETRY, {}},
-        ChainCase{"position",
-                  [](TestInstrument& m) {
-                      m.setPosition({0.3, 0.4});
-                  },
-                  geometry("positionChanged"),
-                  {0.3, 0.4, 0.2, 0.2},
-                  {}},
-        ChainCase{"positionClampedWithoutTheSize",
-                  [](TestInstrument& m) {
-                      m.setPosition({2.0, -1.0});
-                  },
-                  geometry("positionChanged"),
-                  {1.0, 0.0, 0.2, 0.2},
-                  {}},
-        ChainCase{"widthClamped",
-                  [](TestInstrument& m) { m.setWidth(1.5); },
-                  geometry("widthChanged"),
-                  {0.0, 0.0, 1.0, 0.2},
-                  {}},
-        ChainCase{"heightClamped",
-                  [](TestInstrument& m) { m.setHeight(-3.0); },
-                  geometry("heightChanged"),
-                  {0.0, 0.0, 0.2, 0.0},
-                  {}},
-        ChainCase{"sameWidth", [](TestInstrument& m) { m.setWidth(0.2); }, {}, DEFAULT_GEOMETRY, {}},
-        ChainCase{"geometryAllFour",
-                  [](TestInstrument& m) { m.setGeometry(0.1, 0.2, 0.3, 0.4); },
-                  geometry("positionChanged") + geometry("widthChanged") + geometry("heightChanged"),
-                  {0.1, 0.2, 0.3, 0.4},
-                  {}},
-        ChainCase{"geometryPushedBackInside",
-                  [](TestInstrument& m) { m.setGeometry(0.9, 0.9, 0.5, 0.5); },
-                  geometry("positionChanged") + geometry("widthChanged") + geometry("heightChanged"),
-                  {0.5, 0.5, 0.5, 0.5},
-                  {}},
-        ChainCase{"geometryFullScreen",
-                  [](TestInstrument& m) { m.setGeometry(QRectF(0.5, 0.5, 1.0, 1.0)); },
-                  geometry("widthChanged") + geometry("heightChanged"),
-                  {0.0, 0.0, 1.0, 1.0},
-                  {}},
-        ChainCase{"geometryNotANumberBecomesZero",
-                  [](TestInstrument& m) { m.setGeometry(NAN_VALUE, 0.5, 0.2, NAN_VALUE); },
-                  geometry("positionChanged") + geometry("heightChanged"),
-                  {0.0, 0.5, 0.2, 0.0},
-                  {}},
-        ChainCase{"geometryNearlyTheSamePosition",
-                  [](TestInstrument& m) { m.setGeometry(1e-13, 0.0, 0.2, 0.2); },
-                  {},
-                  DEFAULT_GEOMETRY,
-                  {}},
-        ChainCase{"backgroundVisible", [](TestInstrument& m) { m.setBackgroundVisible(true); },
-                  setting("backgroundVisibleChanged"), DEFAULT_GEOMETRY, "backgroundVisible"},
-        ChainCase{"timeFormatVisible", [](TestInstrument& m) { m.setTimeFormatVisible(true); },
-                  setting("timeFormatVisibleChanged"), DEFAULT_GEOMETRY, "timeFormatVisible"},
-        ChainCase{
-            "channelLabelFormat",
-            [](TestInstrument& m) { m.setChannelLabelFormat(InstrumentModel::CHANNEL_LABEL_FORMAT_SHORT); },
-            setting("channelLabelFormatChanged"), DEFAULT_GEOMETRY, "channelLabelFormat"},
-        ChainCase{"sameBackgroundVisible",
-                  [](TestInstrument& m) { m.setBackgroundVisible(false); },
-                  {},
-                  DEFAULT_GEOMETRY,
-                  {}},
-        ChainCase{"restoredByName",
-                  [](TestInstrument& m) { EXPECT_TRUE(m.setQProperty("width", 0.7)); },
-                  geometry("widthChanged"),
-                  {0.0, 0.0, 0.7, 0.2},
-                  {}},
-        ChainCase{"readOnlyIsRefused",
-                  [](TestInstrument& m) { EXPECT_FALSE(m.setQProperty("typeString", "x")); },
-                  {},
-                  DEFAULT_GEOMETRY,
-                  {}},
-        ChainCase{"connectionGroup",
-                  [](TestInstrument& m) { m.setConnectionGroup("g"); },
-                  {"connectionGroupChanged"},
-                  DEFAULT_GEOMETRY,
-                  {}},
-        ChainCase{"timeRangeModeWithoutSupport",
-                  [](TestInstrument& m) {
-                      m.setTimeRangeConnectionMode(InstrumentModel::TIME_RANGE_CONNECTION_SCREEN);
-                      EXPECT_EQ(m.getTimeRangeConnectionMode(), InstrumentModel::TIME_RANGE_CONNECTION_OFF);
-                  },
-                  {},
-                  DEFAULT_GEOMETRY,
-                  {}},
-        ChainCase{"maxChannels",
-                  [](TestInstrument& m) { m.setMaxChannels(4); },
-                  {"maxChannelsChanged"},
-                  DEFAULT_GEOMETRY,
-                  {}},
-        ChainCase{
-            "sameMaxChannels", [](TestInstrument& m) { m.setMaxChannels(1); }, {}, DEFAULT_GEOMETRY, {}},
-        ChainCase{"type", [](TestInstrument& m) { m.setType(7); }, {"typeChanged"}, DEFAULT_GEOMETRY, {}},
-        ChainCase{"ccChannelsItem",
-                  [](TestInstrument& m) { m.setCcChannelsItem("Channels"); },
-                  {"ccChannelsItemChanged"},
-                  DEFAULT_GEOMETRY,
-                  {}},
-        ChainCase{"fullZoom",
-                  [](TestInstrument& m) { m.requestFullZoom(); },
-                  {"fullZoomRequested"},
-                  DEFAULT_GEOMETRY,
-                  {}}),
+// One row per line reads as the table it is.
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Setters, Chain, ::testing::Values(
+    ChainCase{"key", [](M& m) { m.setKey("left"); }, {"keyChanged"}, DEF, {}},
+    ChainCase{"position", [](M& m) { m.setPosition({0.3, 0.4}); }, geometry("positionChanged"),
+              {0.3, 0.4, 0.2, 0.2}, {}},
+    ChainCase{"positionClampedWithoutTheSize", [](M& m) { m.setPosition({2.0, -1.0}); }, geometry("positionChanged"),
+              {1.0, 0.0, 0.2, 0.2}, {}},
+    ChainCase{"widthClamped", [](M& m) { m.setWidth(1.5); }, geometry("widthChanged"), {0.0, 0.0, 1.0, 0.2}, {}},
+    ChainCase{"heightClamped", [](M& m) { m.setHeight(-3.0); }, geometry("heightChanged"), {0.0, 0.0, 0.2, 0.0}, {}},
+    ChainCase{"sameWidth", [](M& m) { m.setWidth(0.2); }, {}, DEF, {}},
+    ChainCase{"geometryAllFour", [](M& m) { m.setGeometry(0.1, 0.2, 0.3, 0.4); },
+              ALL_THREE, {0.1, 0.2, 0.3, 0.4}, {}},
+    ChainCase{"geometryPushedBackInside", [](M& m) { m.setGeometry(0.9, 0.9, 0.5, 0.5); },
+              ALL_THREE, {0.5, 0.5, 0.5, 0.5}, {}},
+    ChainCase{"geometryFullScreen", [](M& m) { m.setGeometry(QRectF(0.5, 0.5, 1.0, 1.0)); },
+              geometry("widthChanged") + geometry("heightChanged"), {0.0, 0.0, 1.0, 1.0}, {}},
+    ChainCase{"geometryNotANumberBecomesZero", [](M& m) { m.setGeometry(NAN_VALUE, 0.5, 0.2, NAN_VALUE); },
+              geometry("positionChanged") + geometry("heightChanged"), {0.0, 0.5, 0.2, 0.0}, {}},
+    ChainCase{"geometryNearlyTheSamePosition", [](M& m) { m.setGeometry(1e-13, 0.0, 0.2, 0.2); }, {}, DEF, {}},
+    ChainCase{"backgroundVisible", [](M& m) { m.setBackgroundVisible(true); }, setting("backgroundVisibleChanged"),
+              DEF, "backgroundVisible"},
+    ChainCase{"timeFormatVisible", [](M& m) { m.setTimeFormatVisible(true); }, setting("timeFormatVisibleChanged"),
+              DEF, "timeFormatVisible"},
+    ChainCase{"channelLabelFormat", [](M& m) { m.setChannelLabelFormat(L::CHANNEL_LABEL_FORMAT_SHORT); },
+              setting("channelLabelFormatChanged"), DEF, "channelLabelFormat"},
+    ChainCase{"sameBackgroundVisible", [](M& m) { m.setBackgroundVisible(false); }, {}, DEF, {}},
+    ChainCase{"restoredByName", [](M& m) { EXPECT_TRUE(m.setQProperty("width", 0.7)); }, geometry("widthChanged"),
+              {0.0, 0.0, 0.7, 0.2}, {}},
+    ChainCase{"readOnlyIsRefused", [](M& m) { EXPECT_FALSE(m.setQProperty("typeString", "x")); }, {}, DEF, {}},
+    ChainCase{"connectionGroup", [](M& m) { m.setConnectionGroup("g"); }, {"connectionGroupChanged"}, DEF, {}},
+    ChainCase{"timeRangeModeWithoutSupport",
+              [](M& m) { m.setTimeRangeConnectionMode(L::TIME_RANGE_CONNECTION_SCREEN); },
+              {}, DEF, {}},
+    ChainCase{"maxChannels", [](M& m) { m.setMaxChannels(4); }, {"maxChannelsChanged"}, DEF, {}},
+    ChainCase{"sameMaxChannels", [](M& m) { m.setMaxChannels(1); }, {}, DEF, {}},
+    ChainCase{"type", [](M& m) { m.setType(7); }, {"typeChanged"}, DEF, {}},
+    ChainCase{"ccChannelsItem", [](M& m) { m.setCcChannelsItem("Channels"); }, {"ccChannelsItemChanged"}, DEF, {}},
+    ChainCase{"fullZoom", [](M& m) { m.requestFullZoom(); }, {"fullZoomRequested"}, DEF, {}}),
     [](const ::testing::TestParamInfo<ChainCase>& info) { return std::string(info.param.name); });
+// clang-format on
 
 TEST(InstrumentModel, AWidthOverTheEdgeIsToldEachTime)
 {
