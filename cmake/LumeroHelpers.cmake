@@ -22,10 +22,12 @@ set(LUMERO_TSAN_TARGETS "" CACHE INTERNAL "")
 set(LUMERO_TEST_ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 
 # lumero_add_library(name [QT] SOURCES ... [PUBLIC_LIBS ...] [PRIVATE_LIBS ...])
-# A static library with headers under include/<name>/ and the alias lumero::<name>.
+# A shared library with headers under include/<name>/ and the alias lumero::<name>.
+# Shared, so that a host and the plug-ins it loads hold one copy of each library: one
+# channel list type, one id counter, one assertion handler.
 function(lumero_add_library name)
     cmake_parse_arguments(ARG "QT" "" "SOURCES;PUBLIC_LIBS;PRIVATE_LIBS" ${ARGN})
-    add_library(${name} STATIC ${ARG_SOURCES})
+    add_library(${name} SHARED ${ARG_SOURCES})
     add_library(lumero::${name} ALIAS ${name})
     target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
                                        PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/src)

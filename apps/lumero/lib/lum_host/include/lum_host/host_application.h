@@ -24,7 +24,8 @@ class HostApplication : public QObject, public im::IfApplication
     Q_PROPERTY(lum::IfApplicationState* state READ getState CONSTANT)
 
 public:
-    /// The channel list takes the acquisition core's messages through its timer.
+    /// The channel list takes the acquisition core's messages through its timer, and owns
+    /// its channels.
     explicit HostApplication(QObject* parent = nullptr);
     ~HostApplication() override;
 

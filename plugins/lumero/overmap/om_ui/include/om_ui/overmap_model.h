@@ -1,7 +1,15 @@
 #pragma once
 
 #include <om_ui/qchannel_fetcher.h>
+#include <om_ui/qobject_manager.h>
+#include <om_ui/qposition_object.h>
 #include <om_ui/reference_plane.h>
+
+// Complete types: the views read these properties, which needs their meta-types.
+#include <lum_host/if_application_state.h>
+#include <lum_host/qextension_module.h>
+#include <lum_utils/image_store.h>
+#include <qchannel/qchannel_list_model.h>
 
 #include <QGeoCoordinate>
 #include <QObject>
@@ -13,25 +21,10 @@
 #include <cstdint>
 #include <memory>
 
-class QExtensionModule;
 class QNetworkAccessManager;
 class QNetworkReply;
 
-namespace lum {
-class IfApplicationState;
-}
-namespace lum::qchannel {
-class QChannel;
-class QChannelListModel;
-} // namespace lum::qchannel
-namespace lum_utils {
-class ImageStore;
-}
-
 namespace overmap_ui {
-
-class QObjectManager;
-class QPositionObject;
 
 /// The centre of the display layer: keeps the object graph the views bind to and the
 /// setup text in the host's extension module in step. The extension holds the one true
