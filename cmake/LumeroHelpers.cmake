@@ -21,13 +21,17 @@ set(LUMERO_TSAN_TARGETS "" CACHE INTERNAL "")
 # sanitizers fail a test on their own (-fno-sanitize-recover, TSan's exit code).
 set(LUMERO_TEST_ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 
-# lumero_add_library(name [QT] SOURCES ... [PUBLIC_LIBS ...] [PRIVATE_LIBS ...])
-# A shared library with headers under include/<name>/ and the alias lumero::<name>.
-# Shared, so that a host and the plug-ins it loads hold one copy of each library: one
-# channel list type, one id counter, one assertion handler.
+# lumero_add_library(name [QT] [STATIC] SOURCES ... [PUBLIC_LIBS ...] [PRIVATE_LIBS ...])
+# A library with headers under include/<name>/ and the alias lumero::<name>. Shared, so
+# that a host and the plug-ins it loads hold one copy of each library: one channel list
+# type, one id counter, one assertion handler. STATIC for what only test binaries link.
 function(lumero_add_library name)
-    cmake_parse_arguments(ARG "QT" "" "SOURCES;PUBLIC_LIBS;PRIVATE_LIBS" ${ARGN})
-    add_library(${name} SHARED ${ARG_SOURCES})
+    cmake_parse_arguments(ARG "QT;STATIC" "" "SOURCES;PUBLIC_LIBS;PRIVATE_LIBS" ${ARGN})
+    if(ARG_STATIC)
+        add_library(${name} STATIC ${ARG_SOURCES})
+    else()
+        add_library(${name} SHARED ${ARG_SOURCES})
+    endif()
     add_library(lumero::${name} ALIAS ${name})
     target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
                                        PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/src)
