@@ -14,9 +14,10 @@ void keepNative(QObject* object)
 
 } // namespace
 
+// The application's list owns its channels; instruments and views only point at them.
 HostApplication::HostApplication(QObject* parent)
     : QObject(parent), m_channels(new lum::qchannel::QChannelListModel(
-                           lum::qchannel::QChannelListModel::DELIVERY_QUEUED, false, this)),
+                           lum::qchannel::QChannelListModel::DELIVERY_QUEUED, true, this)),
       m_image_store(new lum_utils::ImageStore(this)), m_state(new ApplicationState(this))
 {
     keepNative(m_channels);
