@@ -6,6 +6,7 @@
 #include <config_items/config_item_variant.h>
 #include <qchannel/qchannel_list_model.h>
 #include <qt_utils/qt_checked_connect.h>
+#include <uni_base/uni_assert.h>
 
 #include <QtGlobal>
 
@@ -298,6 +299,8 @@ QChannel* InstrumentModel::channelAt(int row) const
 ChannelProps* InstrumentModel::prepareChannel(QChannel* channel)
 {
     ChannelProps* props = createChannelProps(channel);
+    if (!UNI_ASSERT(props != nullptr))
+        return nullptr;
     props->setUnifiedProperties(m_unified_properties);
     CHECKED_CONNECT(props, SIGNAL(channelDestroyed(lum::qchannel::QChannel*)), this,
                     SLOT(removeChannel(lum::qchannel::QChannel*)));
@@ -320,6 +323,8 @@ bool InstrumentModel::addChannel(QChannel* channel)
         !acceptsChannel(channel))
         return false;
     ChannelProps* props = prepareChannel(channel);
+    if (props == nullptr)
+        return false;
     {
         std::lock_guard<std::recursive_mutex> lock(m_channels_lock);
         m_channels->append(props);
@@ -341,8 +346,10 @@ bool InstrumentModel::addChannels(QList<QChannel*> channels)
             continue;
         if (m_channels->size() + taken.size() >= m_max_channels || !acceptsChannel(channel))
             continue;
-        taken.append(channel);
-        added.append(prepareChannel(channel));
+        if (ChannelProps* props = prepareChannel(channel)) {
+            taken.append(channel);
+            added.append(props);
+        }
     }
     if (!added.isEmpty()) {
         std::lock_guard<std::recursive_mutex> lock(m_channels_lock);
@@ -417,6 +424,8 @@ bool InstrumentModel::replaceChannel(int index, QChannel* channel)
     if (!removeChannelAt(index))
         return false;
     ChannelProps* props = prepareChannel(channel);
+    if (props == nullptr)
+        return false;
     {
         std::lock_guard<std::recursive_mutex> lock(m_channels_lock);
         m_channels->insert(index, props);

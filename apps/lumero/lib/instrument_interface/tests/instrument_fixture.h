@@ -126,7 +126,7 @@ public:
 
     im::ChannelProps* createChannelProps(lum::qchannel::QChannel* channel) override
     {
-        return new SettingProps(channel, this);
+        return without_props ? nullptr : new SettingProps(channel, this);
     }
     void channelAboutToBeAdded(lum::qchannel::QChannel* channel, im::ChannelProps* props) override
     {
@@ -155,6 +155,7 @@ public:
     using InstrumentModel::setType;
 
     QSet<lum::qchannel::QChannel*> refused;
+    bool without_props = false; // a subclass that breaks its contract
     QStringList hooks;
     int updates = 0;
 

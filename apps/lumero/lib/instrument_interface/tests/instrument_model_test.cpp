@@ -6,6 +6,7 @@
 #include <instrument_interface/if_instrument_plugin.h>
 #include <instrument_interface/instrument_descriptor.h>
 
+#include <uni_testing/assert_capture.h>
 #include <uni_testing/model_tester.h>
 
 #include <gtest/gtest.h>
@@ -427,7 +428,7 @@ TEST_F(InstrumentChannels, RemovalsTellTheHooksAndUpdateOnce)
 
     EXPECT_TRUE(model.removeChannels({}));
     EXPECT_FALSE(model.removeChannel(a));
-    EXPECT_TRUE(model.removeChannel(b));
+    EXPECT_TRUE(model.removeChannels({b}));
     EXPECT_TRUE(model.getDataWindows().empty());
 }
 
@@ -446,6 +447,27 @@ TEST_F(InstrumentChannels, ReplaceToggleAndRemoveAll)
     model.removeAllChannels();
     EXPECT_EQ(model.hooks, QStringList({"removed b", "removed a"}));
     EXPECT_TRUE(model.getDataWindows().empty());
+}
+
+TEST_F(InstrumentChannels, PropertiesThatAreNotMadeAddNoRow)
+{
+    model.without_props = true;
+    uni_testing::AssertCapture capture;
+    EXPECT_FALSE(model.addChannel(a));
+    EXPECT_TRUE(model.addChannels({a, b}));
+    EXPECT_TRUE(capture.fired("props != nullptr"));
+    EXPECT_TRUE(model.rows().isEmpty());
+    EXPECT_TRUE(model.hooks.isEmpty());
+}
+
+TEST_F(InstrumentChannels, ToggledIntoASingleRow)
+{
+    model.setMaxChannels(1);
+    ASSERT_TRUE(model.toggleChannel(a));
+    ASSERT_TRUE(model.toggleChannel(b));
+    EXPECT_EQ(model.rows(), QStringList{"b"});
+    ASSERT_TRUE(model.toggleChannel(b));
+    EXPECT_TRUE(model.rows().isEmpty());
 }
 
 TEST_F(InstrumentChannels, AChannelThatGoesTakesItsRowAlong)
@@ -576,6 +598,12 @@ TEST_F(ControlChannel, OtherKindsAndAMissingApplicationChangeNothing)
 
     model.setApplication(nullptr);
     Channels::setItem(control, "Channels", idList({ChannelID(1, 3)}));
+    EXPECT_EQ(model.rows(), QStringList({"a", "b"}));
+
+    model.setApplication(&application);
+    model.setControlChannel(nullptr);
+    ASSERT_TRUE(QMetaObject::invokeMethod(&model, "onCCConfigItemChanged",
+                                          Q_ARG(channel_config::ChannelID, {}), Q_ARG(QString, "Channels")));
     EXPECT_EQ(model.rows(), QStringList({"a", "b"}));
 }
 

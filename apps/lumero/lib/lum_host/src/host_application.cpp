@@ -14,6 +14,7 @@ void keepNative(QObject* object)
 
 } // namespace
 
+// The application's list owns its channels; instruments and views only point at them.
 HostApplication::HostApplication(QObject* parent)
     : QObject(parent), m_channels(new lum::qchannel::QChannelListModel(
                            lum::qchannel::QChannelListModel::DELIVERY_QUEUED, true, this)),

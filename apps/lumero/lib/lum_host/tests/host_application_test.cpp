@@ -3,10 +3,19 @@
 
 #include <lum_host/host_application.h>
 
+#include <lum_data/memory_time_base.h>
+#include <lum_data/sync_scalar_channel.h>
+
+#include <ferrin_core/config_item_store.h>
+#include <ferrin_core/data_regions_manager.h>
+
 #include <gtest/gtest.h>
 
 #include <QMetaObject>
+#include <QPointer>
 #include <QQmlEngine>
+
+#include <memory>
 
 namespace {
 
@@ -77,6 +86,24 @@ TEST(HostApplication, TheViewsReachTheSameObjectsByName)
     for (QObject* object : {static_cast<QObject*>(face.getChannels()), static_cast<QObject*>(store),
                             static_cast<QObject*>(face.getState()), static_cast<QObject*>(module)})
         EXPECT_EQ(QQmlEngine::objectOwnership(object), QQmlEngine::CppOwnership);
+}
+
+TEST(HostApplication, TheChannelsGoWithTheApplication)
+{
+    auto regions = std::make_shared<ferrin::DataRegionsManager>();
+    ferrin::ChannelSetup setup;
+    setup.id = channel_config::ChannelID(1, 1);
+    setup.time_base = std::make_shared<lum::data::MemoryTimeBase>(10.0, 0.0);
+    setup.regions_manager = regions;
+    setup.items = std::make_shared<ferrin::ConfigItemStore>();
+    QPointer<lum::qchannel::QChannel> channel = new lum::qchannel::QChannel(
+        lum::data::SyncScalarChannel::create(std::move(setup), {1.0}, regions, 1));
+    {
+        lum::HostApplication app;
+        app.getChannels()->appendChannel(channel);
+        ASSERT_EQ(app.getChannels()->size(), 1);
+    }
+    EXPECT_TRUE(channel.isNull());
 }
 
 TEST(HostApplication, TheStateSetByTheHostIsWhatInstrumentsRead)

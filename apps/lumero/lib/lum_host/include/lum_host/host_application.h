@@ -16,7 +16,7 @@ namespace lum {
 
 /// The host's application as instruments and their views see it: one channel list, one
 /// image store, the extension modules by identifier and the application state, all
-/// owned here. It serves as the views' "app" object too.
+/// owned here, as are the channels in the list. It serves as the views' "app" object too.
 class HostApplication : public QObject, public im::IfApplication
 {
     Q_OBJECT
