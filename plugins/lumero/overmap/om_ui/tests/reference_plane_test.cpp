@@ -310,7 +310,10 @@ INSTANTIATE_TEST_SUITE_P(AerialImage, Georeference, ::testing::ValuesIn(std::vec
     {"up, half a turn east stays east", {0.0, 0.0}, {0.0, 180.0}, {50.0, -50.0},
         HALF_MERIDIAN_METRES / 100.0, 90.0},
     {"both GPS points at 0, 0", {0.0, 0.0}, {0.0, 0.0}, {150.0, 50.0}, 1.0, -90.0},
-    {"coinciding XY points", SITE, direct(SITE, 90.0, 50.0), {50.0, 50.0}, 1.0, 0.0}}),
+    {"coinciding XY points", SITE, direct(SITE, 90.0, 50.0), {50.0, 50.0}, 1.0, 0.0},
+    // Offsets of 2^-31 and 2^-21, exact at 50: below 1e-9 nothing counts, below 1e-6 only the scale.
+    {"XY points too close for a scale", SITE, NORTH_50, {50.0 + 0x1p-31, 50.0}, 1.0, 0.0},
+    {"XY points too close for a direction", SITE, NORTH_50, {50.0 + 0x1p-21, 50.0}, 50.0 * 0x1p21, 0.0}}),
     rowName<GeoreferenceRow>);
 // clang-format on
 
