@@ -376,4 +376,12 @@ TEST(AerialImage, ClearResetsEverything)
     EXPECT_EQ(image.northRotation(), 0.0);
 }
 
+TEST(AerialImage, NonsenseCoordinatesGiveTheNeutralScale)
+{
+    AerialImage image;
+    // Qt keeps out-of-range values as not-a-number; the geodesic solver then gives no distance.
+    image.setPoints(QGeoCoordinate(), QPointF(0.0, 0.0), QGeoCoordinate(95.0, 400.0), QPointF(0.0, -100.0));
+    EXPECT_EQ(image.scaling(), 1.0);
+}
+
 } // namespace
