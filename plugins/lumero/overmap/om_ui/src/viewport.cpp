@@ -23,6 +23,24 @@ Viewport::Viewport(QQuickItem* parent) : QQuickItem(parent)
 {
     connect(this, &QQuickItem::widthChanged, this, &Viewport::updateOffset);
     connect(this, &QQuickItem::heightChanged, this, &Viewport::updateOffset);
+    updateTransform();
+}
+
+void Viewport::updateTransform()
+{
+    const math_geo::GeoPosition c = m_plane.getCenter();
+    const QGeoCoordinate origin(c.latitude, c.longitude);
+    Point2D at = toScreenUp(origin);
+    Point2D north = toScreenUp(QGeoCoordinate(c.latitude + 1.0, c.longitude));
+    Point2D east = toScreenUp(QGeoCoordinate(c.latitude, c.longitude + 1.0));
+    for (Point2D* point : {&at, &north, &east})
+        point->toCoordSystem(CoordinateSystem::X_RIGHT_Y_BACK);
+    m_to_screen.lat_x = north.x - at.x;
+    m_to_screen.lon_x = east.x - at.x;
+    m_to_screen.lat_y = north.y - at.y;
+    m_to_screen.lon_y = east.y - at.y;
+    m_to_screen.center_x = at.x;
+    m_to_screen.center_y = at.y;
 }
 
 QGeoCoordinate Viewport::center() const
@@ -36,6 +54,7 @@ void Viewport::setCenter(const QGeoCoordinate& center)
     if (!center.isValid() || center == this->center())
         return;
     m_plane.setCenter(math_geo::GeoPosition(center.latitude(), center.longitude()));
+    updateTransform();
     Q_EMIT centerChanged(this->center());
     Q_EMIT viewportChanged();
 }
@@ -46,6 +65,7 @@ void Viewport::setRotation(double rotation)
         return;
     const double wrapped = math_geo::wrapToRange(rotation, 0.0, 360.0);
     m_plane.setRotation(wrapped);
+    updateTransform();
     Q_EMIT rotationChanged(wrapped);
     Q_EMIT viewportChanged();
 }
@@ -55,6 +75,7 @@ void Viewport::setScaling(double scaling)
     if (std::fabs(scaling - m_scaling) <= SAME_VALUE || scaling <= 0.0)
         return;
     m_scaling = scaling;
+    updateTransform();
     Q_EMIT scalingChanged(m_scaling);
     Q_EMIT viewportChanged();
 }
@@ -62,6 +83,7 @@ void Viewport::setScaling(double scaling)
 void Viewport::updateOffset()
 {
     m_offset = Point2D(width() * 0.5, -height() * 0.5, CoordinateSystem::X_RIGHT_Y_FRONT);
+    updateTransform();
     Q_EMIT viewportChanged();
 }
 
@@ -78,9 +100,13 @@ Point2D Viewport::toScreenUp(const QGeoCoordinate& pos) const
 
 QPointF Viewport::projectGPSToScreen(QGeoCoordinate pos) const
 {
-    Point2D point = toScreenUp(pos);
-    point.toCoordSystem(CoordinateSystem::X_RIGHT_Y_BACK);
-    return QPointF(point.x, point.y);
+    // Relative to the centre: the matrix's columns are per degree, and small differences
+    // keep the last digits.
+    const math_geo::GeoPosition c = m_plane.getCenter();
+    const double lat = pos.latitude() - c.latitude;
+    const double lon = pos.longitude() - c.longitude;
+    const Affine& m = m_to_screen;
+    return QPointF(m.center_x + m.lat_x * lat + m.lon_x * lon, m.center_y + m.lat_y * lat + m.lon_y * lon);
 }
 
 QGeoCoordinate Viewport::projectScreenToGPS(QPointF point) const
@@ -101,7 +127,10 @@ bool Viewport::isInside(QGeoCoordinate pos) const
 
 bool Viewport::intersectsItem(double left, double top, double right, double bottom) const
 {
-    return QRectF(QPointF(left, top), QPointF(right, bottom)).intersects(QRectF(0.0, 0.0, width(), height()));
+    // QRectF::intersects without its objects: an item without area meets nothing.
+    const double w = width();
+    const double h = height();
+    return w > 0.0 && h > 0.0 && left < w && right > 0.0 && top < h && bottom > 0.0;
 }
 
 bool Viewport::isSegmentInside(QGeoCoordinate start, QGeoCoordinate end) const

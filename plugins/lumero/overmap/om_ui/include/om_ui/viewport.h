@@ -61,13 +61,27 @@ Q_SIGNALS:
     void scalingChanged(double scaling);
 
 private:
-    /// Screen point of a projection, in X_RIGHT_Y_FRONT pixels (not yet flipped).
+    /// Screen point of a projection, in X_RIGHT_Y_FRONT pixels (not yet flipped), through
+    /// the plane itself.
     math_geo::Point2D toScreenUp(const QGeoCoordinate& pos) const;
     bool intersectsItem(double left, double top, double right, double bottom) const;
+    /// The projection is affine in latitude and longitude (the plane is equirectangular):
+    /// its matrix is taken from the plane after each change, so that a pixel costs two
+    /// multiply-adds instead of a rotation with its sine and cosine.
+    void updateTransform();
+
+    struct Affine
+    {
+        /// Pixels per degree of latitude and of longitude, and the centre's pixel.
+        double lat_x = 0.0, lon_x = 0.0, center_x = 0.0;
+        double lat_y = 0.0, lon_y = 0.0, center_y = 0.0;
+    };
 
     double m_scaling = 1.0;
     math_geo::ProjectionPlane m_plane;
     math_geo::Point2D m_offset{0.0, 0.0, math_geo::CoordinateSystem::X_RIGHT_Y_FRONT};
+    /// Degrees from the centre to screen pixels, y down.
+    Affine m_to_screen;
 };
 
 } // namespace overmap_ui
