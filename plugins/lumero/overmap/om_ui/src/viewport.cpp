@@ -98,7 +98,7 @@ Point2D Viewport::toScreenUp(const QGeoCoordinate& pos) const
     return point * m_scaling + m_offset;
 }
 
-QPointF Viewport::projectGPSToScreen(QGeoCoordinate pos) const
+QPointF Viewport::projectGPSToScreen(const QGeoCoordinate& pos) const
 {
     // Relative to the centre: the matrix's columns are per degree, and small differences
     // keep the last digits.
@@ -119,7 +119,7 @@ QGeoCoordinate Viewport::projectScreenToGPS(QPointF point) const
     return QGeoCoordinate(position.latitude, position.longitude);
 }
 
-bool Viewport::isInside(QGeoCoordinate pos) const
+bool Viewport::isInside(const QGeoCoordinate& pos) const
 {
     const QPointF point = projectGPSToScreen(pos);
     return point.x() >= 0.0 && point.y() >= 0.0 && point.x() <= width() && point.y() <= height();
@@ -133,7 +133,7 @@ bool Viewport::intersectsItem(double left, double top, double right, double bott
     return w > 0.0 && h > 0.0 && left < w && right > 0.0 && top < h && bottom > 0.0;
 }
 
-bool Viewport::isSegmentInside(QGeoCoordinate start, QGeoCoordinate end) const
+bool Viewport::isSegmentInside(const QGeoCoordinate& start, const QGeoCoordinate& end) const
 {
     const QPointF a = projectGPSToScreen(start);
     const QPointF b = projectGPSToScreen(end);
@@ -141,7 +141,8 @@ bool Viewport::isSegmentInside(QGeoCoordinate start, QGeoCoordinate end) const
                           std::max(a.y(), b.y()) + BOX_MARGIN);
 }
 
-bool Viewport::isQuadInside(QGeoCoordinate a, QGeoCoordinate b, QGeoCoordinate c, QGeoCoordinate d) const
+bool Viewport::isQuadInside(const QGeoCoordinate& a, const QGeoCoordinate& b, const QGeoCoordinate& c,
+                            const QGeoCoordinate& d) const
 {
     if (width() <= 0.0 || height() <= 0.0)
         return false;

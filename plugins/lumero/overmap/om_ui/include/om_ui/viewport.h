@@ -35,14 +35,14 @@ public:
     void setScaling(double scaling);
 
     /// Screen pixels, y growing downwards.
-    Q_INVOKABLE QPointF projectGPSToScreen(QGeoCoordinate pos) const;
+    Q_INVOKABLE QPointF projectGPSToScreen(const QGeoCoordinate& pos) const;
     Q_INVOKABLE QGeoCoordinate projectScreenToGPS(QPointF point) const;
-    Q_INVOKABLE bool isInside(QGeoCoordinate pos) const;
+    Q_INVOKABLE bool isInside(const QGeoCoordinate& pos) const;
     /// Conservative: true for a segment whose bounding box touches the screen.
-    Q_INVOKABLE bool isSegmentInside(QGeoCoordinate start, QGeoCoordinate end) const;
+    Q_INVOKABLE bool isSegmentInside(const QGeoCoordinate& start, const QGeoCoordinate& end) const;
     /// Conservative, as isSegmentInside; false on an item without area.
-    Q_INVOKABLE bool isQuadInside(QGeoCoordinate a, QGeoCoordinate b, QGeoCoordinate c,
-                                  QGeoCoordinate d) const;
+    Q_INVOKABLE bool isQuadInside(const QGeoCoordinate& a, const QGeoCoordinate& b, const QGeoCoordinate& c,
+                                  const QGeoCoordinate& d) const;
     /// Degrees of longitude across the screen's horizontal middle line.
     Q_INVOKABLE double geoWidth() const;
     /// Degrees of latitude along the screen's vertical middle line.
