@@ -96,6 +96,8 @@ struct SetterRow
     const char* what;
     std::function<void(QCalculation&)> set;
     QStringList signals_out;
+    /// Brings the calculation into the case before the signals are recorded.
+    std::function<void(QCalculation&)> prepare = [](QCalculation&) {};
 };
 
 void PrintTo(const SetterRow& row, std::ostream* os)
@@ -108,6 +110,7 @@ class QCalculationSetter : public QCalculationTest, public ::testing::WithParamI
 
 TEST_P(QCalculationSetter, EmitsItsNotifyThenDataChangedOnlyOnAChange)
 {
+    GetParam().prepare(*calculation);
     om_ui_test::SignalRecorder recorder(calculation);
     GetParam().set(*calculation);
     EXPECT_EQ(recorder.names(), GetParam().signals_out);
@@ -123,6 +126,10 @@ INSTANTIATE_TEST_SUITE_P(
         SetterRow{
             "from_poi", [](QCalculation& c) { c.setFromPoiIdx(3); }, {"fromPoiIdxChanged", "dataChanged"}},
         SetterRow{"same_from_poi", [](QCalculation& c) { c.setFromPoiIdx(0); }, NONE},
+        SetterRow{"from_poi_back_to_0",
+                  [](QCalculation& c) { c.setFromPoiIdx(0); },
+                  {"fromPoiIdxChanged", "dataChanged"},
+                  [](QCalculation& c) { c.setFromPoiIdx(4); }},
         SetterRow{"negative_from_poi", [](QCalculation& c) { c.setFromPoiIdx(-1); }, NONE},
         SetterRow{"to_poi", [](QCalculation& c) { c.setToPoiIdx(2); }, {"toPoiIdxChanged", "dataChanged"}},
         SetterRow{"same_to_poi", [](QCalculation& c) { c.setToPoiIdx(0); }, NONE},
@@ -131,6 +138,13 @@ INSTANTIATE_TEST_SUITE_P(
                   {"distanceTypeChanged", "dataChanged"}},
         SetterRow{"same_distance_type", [](QCalculation& c) { c.setDistanceType(QCalculation::EUCLIDEAN); },
                   NONE},
+        SetterRow{"distance_type_back_to_euclidean",
+                  [](QCalculation& c) { c.setDistanceType(QCalculation::EUCLIDEAN); },
+                  {"distanceTypeChanged", "dataChanged"},
+                  [](QCalculation& c) { c.setDistanceType(QCalculation::Y); }},
+        SetterRow{"distance_type_below_range",
+                  [](QCalculation& c) { c.setDistanceType(static_cast<QCalculation::DistanceType>(-1)); },
+                  NONE, [](QCalculation& c) { c.setDistanceType(QCalculation::X); }},
         SetterRow{"distance_type_out_of_range",
                   [](QCalculation& c) { c.setDistanceType(static_cast<QCalculation::DistanceType>(7)); },
                   NONE},
@@ -138,6 +152,10 @@ INSTANTIATE_TEST_SUITE_P(
                   [](QCalculation& c) { c.setTrackTarget(QCalculation::EDGE); },
                   {"trackTargetChanged", "dataChanged"}},
         SetterRow{"same_track_target", [](QCalculation& c) { c.setTrackTarget(QCalculation::CENTER); }, NONE},
+        SetterRow{"track_target_back_to_center",
+                  [](QCalculation& c) { c.setTrackTarget(QCalculation::CENTER); },
+                  {"trackTargetChanged", "dataChanged"},
+                  [](QCalculation& c) { c.setTrackTarget(QCalculation::EDGE); }},
         SetterRow{"track_target_out_of_range",
                   [](QCalculation& c) { c.setTrackTarget(static_cast<QCalculation::TrackTarget>(2)); }, NONE},
         SetterRow{"result_transformation",
@@ -145,6 +163,10 @@ INSTANTIATE_TEST_SUITE_P(
                   {"resultTransformationChanged", "dataChanged"}},
         SetterRow{"same_result_transformation",
                   [](QCalculation& c) { c.setResultTransformation(QCalculation::AS_IS); }, NONE},
+        SetterRow{"result_transformation_back_to_as_is",
+                  [](QCalculation& c) { c.setResultTransformation(QCalculation::AS_IS); },
+                  {"resultTransformationChanged", "dataChanged"},
+                  [](QCalculation& c) { c.setResultTransformation(QCalculation::INVERT); }},
         SetterRow{"result_transformation_out_of_range",
                   [](QCalculation& c) {
                       c.setResultTransformation(static_cast<QCalculation::ResultTransformation>(3));

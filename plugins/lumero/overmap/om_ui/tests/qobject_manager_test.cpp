@@ -1,12 +1,14 @@
 #include "om_ui_test_support.h"
 
 #include <om_ui/qcalculation.h>
+#include <om_ui/qcone.h>
 #include <om_ui/qgeo_object_list_filter.h>
 #include <om_ui/qobject_manager.h>
 #include <om_ui/qposition_object.h>
 #include <om_ui/qtrack.h>
 
 #include <om_model/calculation.h>
+#include <om_model/cone.h>
 #include <om_model/position_object.h>
 
 #include <uni_testing/model_tester.h>
@@ -142,13 +144,17 @@ TEST_F(QObjectManagerTest, ObjectsAreFoundByIdAndByModel)
     EXPECT_EQ(manager.getObjectById(line->objectId()), line);
     EXPECT_EQ(manager.getObjectById(car->objectId()), car);
     EXPECT_EQ(manager.getObjectById(-1), nullptr);
+    // Id 0 lies below the counter, yet a setup may give it.
+    auto* zero = new overmap_ui::QCone(std::make_shared<overmap::Cone>(0, &plane), &manager);
+    manager.addPositionObject(zero);
+    EXPECT_EQ(manager.getObjectById(0), zero);
     EXPECT_EQ(manager.getObjectById(line->objectId() + 1000), nullptr);
 
     EXPECT_EQ(manager.findGeoObject(line->geoModel().get()), line);
     EXPECT_EQ(manager.findPositionObject(car->geoModel().get()), car);
     EXPECT_EQ(manager.findPositionObject(line->geoModel().get()), nullptr) << "a track is no position object";
     EXPECT_EQ(manager.findGeoObject(nullptr), nullptr);
-    EXPECT_EQ(manager.allGeoObjects(), (QList<QGeoObject*>{car, line}));
+    EXPECT_EQ(manager.allGeoObjects(), (QList<QGeoObject*>{car, line, zero}));
 }
 
 TEST_F(QObjectManagerTest, AnObjectMeasuredByACalculationIsNotRemovableButRemovedIfAsked)
@@ -469,6 +475,7 @@ TEST_F(QGeoObjectListFilterTest, LeavesOutTheFilteredObjectAndOnRequestItsDepend
     EXPECT_EQ(filtered.count(), 1);
     EXPECT_EQ(shown(), (QStringList{"Cone 1", "Track line 1"}));
     EXPECT_EQ(filter.indexOf(base), -1);
+    EXPECT_EQ(filter.indexOf(child), 0);
     EXPECT_EQ(filter.indexOf(other), 1);
 
     filter.setFilterDependent(true);
