@@ -203,6 +203,9 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(QCalculationTest, TheRulesOfTheModelShowInTheProperties)
 {
+    cone->poiList()->clearList(true);
+    calculation->setFromObject(cone);
+    EXPECT_FALSE(calculation->calculationModel()->getStoredUseFromPoi()) << "switched off for want of POIs";
     calculation->setToObject(car);
     calculation->setDistanceType(QCalculation::X);
     ASSERT_FALSE(calculation->euclideanOnly());

@@ -396,6 +396,7 @@ TEST_F(QGeoObjectListFilterTest, LeavesOutTheFilteredObjectAndOnRequestItsDepend
     EXPECT_EQ(filter.indexOf(base), -1);
     EXPECT_EQ(filter.indexOf(child), 0);
     EXPECT_EQ(filter.indexOf(other), 1);
+    EXPECT_EQ(filter.indexOf(nullptr), -1);
 
     filter.setProperty("filterdeDendent", true);
     EXPECT_EQ(dependent.count(), 1);
