@@ -87,10 +87,7 @@ void QCalculation::setName(const QString& name)
 
 QGeoObject* QCalculation::objectOf(const Side& side) const
 {
-    const overmap::GeoObject* model = ((*m_model).*side.object)().get();
-    if (model == nullptr || m_manager == nullptr)
-        return nullptr;
-    return m_manager->findGeoObject(model);
+    return m_manager != nullptr ? m_manager->findGeoObject(((*m_model).*side.object)().get()) : nullptr;
 }
 
 void QCalculation::setObject(const Side& side, QGeoObject* object)

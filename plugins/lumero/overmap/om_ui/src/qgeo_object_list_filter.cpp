@@ -51,8 +51,7 @@ QObject* QGeoObjectListFilter::get(int idx) const
     if (sourceModel() == nullptr)
         return nullptr;
     QObject* object = data(index(idx, 0), QObjectListModel::OBJECT_ROLE).value<QObject*>();
-    if (object != nullptr)
-        QQmlEngine::setObjectOwnership(object, QQmlEngine::CppOwnership);
+    QQmlEngine::setObjectOwnership(object, QQmlEngine::CppOwnership);
     return object;
 }
 

@@ -36,12 +36,7 @@ QObjectManager::QObjectManager(math_geo::ProjectionPlane* plane, QObject* parent
     : QObject(parent), m_position_objects(new QPositionObjectList(this)), m_tracks(new QTrackList(this)),
       m_all_objects(new QGeoObjectList(this)), m_calculations(new QCalculationList(this)),
       m_projection_plane(plane)
-{
-    for (QObjectListModel* list :
-         {static_cast<QObjectListModel*>(m_position_objects), static_cast<QObjectListModel*>(m_tracks),
-          static_cast<QObjectListModel*>(m_all_objects), static_cast<QObjectListModel*>(m_calculations)})
-        keepNative(list);
-}
+{}
 
 QObjectManager::~QObjectManager()
 {
@@ -120,6 +115,8 @@ void QObjectManager::nameNewObject(QGeoObject* object)
 
 void QObjectManager::addPositionObject(QPositionObject* object)
 {
+    if (object == nullptr)
+        return;
     keepNative(object);
     CHECKED_CONNECT(object, &QGeoObject::dataChanged, this, &QObjectManager::dataChanged);
     m_position_objects->append(object);
@@ -129,6 +126,8 @@ void QObjectManager::addPositionObject(QPositionObject* object)
 
 void QObjectManager::addTrack(QTrack* object)
 {
+    if (object == nullptr)
+        return;
     keepNative(object);
     CHECKED_CONNECT(object, &QGeoObject::dataChanged, this, &QObjectManager::dataChanged);
     m_tracks->append(object);

@@ -1,12 +1,14 @@
 #include "om_ui_test_support.h"
 
 #include <om_ui/qcalculation.h>
+#include <om_ui/qcone.h>
 #include <om_ui/qgeo_object_list_filter.h>
 #include <om_ui/qobject_manager.h>
 #include <om_ui/qposition_object.h>
 #include <om_ui/qtrack.h>
 
 #include <om_model/calculation.h>
+#include <om_model/cone.h>
 #include <om_model/position_object.h>
 
 #include <uni_testing/model_tester.h>
@@ -18,6 +20,7 @@
 #include <gtest/gtest.h>
 
 #include <ostream>
+#include <tuple>
 
 namespace {
 
@@ -38,17 +41,9 @@ protected:
         uni_testing::attachModelTester(manager.calculations());
     }
 
-    QPositionObject* addPositionObject(QGeoObject::Type type)
+    QPositionObject* add(QGeoObject::Type type)
     {
         return qobject_cast<QPositionObject*>(manager.addObject(type));
-    }
-
-    /// A cone at @p latitude / @p longitude: its extent is that one point.
-    QPositionObject* coneAt(double latitude, double longitude)
-    {
-        QPositionObject* cone = addPositionObject(QGeoObject::CONE);
-        cone->setPosition(QGeoCoordinate(latitude, longitude));
-        return cone;
     }
 
     static QStringList names(const QObjectListModel* list)
@@ -59,8 +54,17 @@ protected:
         return result;
     }
 
+    /// The manager's signals as they come, with the description's text.
+    void recordSignals()
+    {
+        QObject::connect(&manager, &QObjectManager::descriptionChanged,
+                         [this](const QString& text) { order << "descriptionChanged:" + text; });
+        QObject::connect(&manager, &QObjectManager::dataChanged, [this] { order << "dataChanged"; });
+    }
+
     math_geo::ProjectionPlane plane;
     QObjectManager manager;
+    QStringList order;
 };
 
 struct NewObjectRow
@@ -86,7 +90,6 @@ TEST_P(QObjectManagerNewObject, TakesTheDefaultNameWithNumberOneAndItsLists)
     ASSERT_NE(object, nullptr);
     EXPECT_EQ(object->getType(), row.type);
     EXPECT_EQ(object->name(), QString::fromLatin1(row.name));
-    EXPECT_EQ(object->parent(), &manager);
     EXPECT_EQ(manager.allObjects()->list(), QList<QObject*>{object});
     EXPECT_EQ(manager.positionObjects()->size(), row.is_track ? 0 : 1);
     EXPECT_EQ(manager.tracks()->size(), row.is_track ? 1 : 0);
@@ -105,12 +108,14 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(QObjectManagerTest, ANewObjectIsAnnouncedBeforeItHasItsNameAndAgainAfter)
 {
     QStringList names_seen;
-    QObject::connect(&manager, &QObjectManager::dataChanged, [&] {
-        names_seen
-            << manager.allObjects()->get(manager.allObjects()->size() - 1)->property("name").toString();
-    });
+    QObject::connect(&manager, &QObjectManager::dataChanged,
+                     [&] { names_seen << manager.allObjects()->get(0)->property("name").toString(); });
     manager.addObject(QGeoObject::CONE);
     EXPECT_EQ(names_seen, (QStringList{"Cone", "Cone 1"}));
+    EXPECT_EQ(manager.addObject(7), nullptr);
+    EXPECT_EQ(manager.addObject(-1), nullptr);
+    EXPECT_EQ(manager.allObjects()->size(), 1);
+    EXPECT_EQ(names_seen.size(), 2) << "an unknown type makes nothing";
 }
 
 TEST_F(QObjectManagerTest, ANumberInUseAfterARemovalIsSkipped)
@@ -121,59 +126,46 @@ TEST_F(QObjectManagerTest, ANumberInUseAfterARemovalIsSkipped)
     ASSERT_TRUE(manager.removeItem(0));
     // Two cars now, so the count proposes "Car 2", which the second car still has.
     EXPECT_EQ(manager.addObject(QGeoObject::CAR)->name(), "Car 3");
-    EXPECT_EQ(names(manager.allObjects()), (QStringList{"Car 2", "Cone 1", "Car 3"}));
     EXPECT_EQ(manager.addObject(QGeoObject::CONE)->name(), "Cone 2");
-}
-
-TEST_F(QObjectManagerTest, AnUnknownTypeMakesNothing)
-{
-    QSignalSpy data(&manager, &QObjectManager::dataChanged);
-    ASSERT_TRUE(data.isValid());
-    EXPECT_EQ(manager.addObject(7), nullptr);
-    EXPECT_EQ(manager.addObject(-1), nullptr);
-    EXPECT_EQ(manager.allObjects()->size(), 0);
-    EXPECT_EQ(data.count(), 0);
 }
 
 TEST_F(QObjectManagerTest, ObjectsAreFoundByIdAndByModel)
 {
     QGeoObject* car = manager.addObject(QGeoObject::CAR);
     QGeoObject* line = manager.addObject(QGeoObject::TRACK_LINE);
+    // Id 0 lies below the counter, yet a setup may give it.
+    auto* zero = new overmap_ui::QCone(std::make_shared<overmap::Cone>(0, &plane), &manager);
+    manager.addPositionObject(zero);
     EXPECT_EQ(manager.getObjectById(line->objectId()), line);
-    EXPECT_EQ(manager.getObjectById(car->objectId()), car);
+    EXPECT_EQ(manager.getObjectById(0), zero);
     EXPECT_EQ(manager.getObjectById(-1), nullptr);
     EXPECT_EQ(manager.getObjectById(line->objectId() + 1000), nullptr);
-
     EXPECT_EQ(manager.findGeoObject(line->geoModel().get()), line);
     EXPECT_EQ(manager.findPositionObject(car->geoModel().get()), car);
     EXPECT_EQ(manager.findPositionObject(line->geoModel().get()), nullptr) << "a track is no position object";
-    EXPECT_EQ(manager.findGeoObject(nullptr), nullptr);
-    EXPECT_EQ(manager.allGeoObjects(), (QList<QGeoObject*>{car, line}));
+    EXPECT_EQ(manager.allGeoObjects(), (QList<QGeoObject*>{car, line, zero}));
 }
 
 TEST_F(QObjectManagerTest, AnObjectMeasuredByACalculationIsNotRemovableButRemovedIfAsked)
 {
     QGeoObject* from = manager.addObject(QGeoObject::CAR);
     QGeoObject* to = manager.addObject(QGeoObject::CONE);
-    QPositionObject* reference = addPositionObject(QGeoObject::CONE);
-    addPositionObject(QGeoObject::CAR)->setReferenceObject(reference);
+    QPositionObject* reference = add(QGeoObject::CONE);
+    add(QGeoObject::CAR)->setReferenceObject(reference);
     QCalculation* calculation = manager.addCalculation();
     calculation->setFromObject(from);
     calculation->setToObject(to);
 
-    EXPECT_FALSE(manager.isItemRemovable(0)) << "from object";
-    EXPECT_FALSE(manager.isItemRemovable(1)) << "to object";
-    EXPECT_TRUE(manager.isItemRemovable(2)) << "others standing on it do not keep it";
-    EXPECT_TRUE(manager.isItemRemovable(3));
+    const bool removable[] = {false, false, true, true};
+    for (int idx = 0; idx < 4; ++idx)
+        EXPECT_EQ(manager.isItemRemovable(idx), removable[idx]) << "row " << idx;
     EXPECT_FALSE(manager.isItemRemovable(-1));
     EXPECT_FALSE(manager.isItemRemovable(4));
-
     calculation->setFromObject(nullptr);
     EXPECT_TRUE(manager.isItemRemovable(0));
 
     QPointer<QGeoObject> removed(to);
     EXPECT_TRUE(manager.removeItem(1));
-    EXPECT_EQ(names(manager.allObjects()), (QStringList{"Car 1", "Cone 2", "Car 2"}));
     EXPECT_EQ(names(manager.positionObjects()), (QStringList{"Car 1", "Cone 2", "Car 2"}));
     EXPECT_EQ(calculation->toObject(), nullptr);
     ASSERT_FALSE(removed.isNull()) << "deleted later, not at once";
@@ -183,37 +175,28 @@ TEST_F(QObjectManagerTest, AnObjectMeasuredByACalculationIsNotRemovableButRemove
 
 TEST_F(QObjectManagerTest, RemovingAReferenceObjectLeavesTheOthersWithoutReference)
 {
-    QPositionObject* base = addPositionObject(QGeoObject::CAR);
-    QPositionObject* child = addPositionObject(QGeoObject::CONE);
-    QPositionObject* grandchild = addPositionObject(QGeoObject::CONE);
-    QGeoObject* track = manager.addObject(QGeoObject::TRACK_PATH);
+    QPositionObject* base = add(QGeoObject::CAR);
+    QPositionObject* child = add(QGeoObject::CONE);
+    QPositionObject* grandchild = add(QGeoObject::CONE);
+    manager.addObject(QGeoObject::TRACK_PATH);
     child->setReferenceObject(base);
     grandchild->setReferenceObject(child);
-    QSignalSpy data(&manager, &QObjectManager::dataChanged);
-    ASSERT_TRUE(data.isValid());
 
     ASSERT_TRUE(manager.removeItem(0));
-    EXPECT_EQ(child->referenceObject(), nullptr);
     EXPECT_EQ(child->positionModel()->getReferenceObject(), nullptr);
     EXPECT_EQ(grandchild->referenceObject(), child) << "only the removed object's dependents are let go";
-    EXPECT_GE(data.count(), 1);
-
     ASSERT_TRUE(manager.removeItem(2));
     EXPECT_EQ(manager.tracks()->size(), 0);
     EXPECT_EQ(manager.allObjects()->list(), (QList<QObject*>{child, grandchild}));
     EXPECT_FALSE(manager.removeItem(2));
     EXPECT_FALSE(manager.removeItem(-1));
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    Q_UNUSED(track);
 }
 
 struct RectangleRow
 {
     const char* what;
-    std::vector<std::pair<double, double>> cones;
-    QGeoCoordinate top_left;
-    QGeoCoordinate bottom_right;
-    QGeoCoordinate center;
+    std::vector<QGeoCoordinate> cones;
+    QGeoCoordinate top_left, bottom_right, center;
 };
 
 void PrintTo(const RectangleRow& row, std::ostream* os)
@@ -227,16 +210,17 @@ class QObjectManagerRectangle : public QObjectManagerTest, public ::testing::Wit
 TEST_P(QObjectManagerRectangle, UnitesTheExtentsOfAllObjects)
 {
     const RectangleRow& row = GetParam();
-    for (const auto& [latitude, longitude] : row.cones)
-        coneAt(latitude, longitude);
+    for (const QGeoCoordinate& position : row.cones)
+        add(QGeoObject::CONE)->setPosition(position); // a cone's extent is its position
     const QGeoRectangle rectangle = manager.enclosingRectangle();
-    EXPECT_NEAR(rectangle.topLeft().latitude(), row.top_left.latitude(), 1e-9);
-    EXPECT_NEAR(rectangle.topLeft().longitude(), row.top_left.longitude(), 1e-9);
-    EXPECT_NEAR(rectangle.bottomRight().latitude(), row.bottom_right.latitude(), 1e-9);
-    EXPECT_NEAR(rectangle.bottomRight().longitude(), row.bottom_right.longitude(), 1e-9);
     const QGeoCoordinate center = manager.allObjectsCenter();
-    EXPECT_NEAR(center.latitude(), row.center.latitude(), 1e-9);
-    EXPECT_NEAR(center.longitude(), row.center.longitude(), 1e-9);
+    const std::pair<QGeoCoordinate, QGeoCoordinate> pairs[] = {{rectangle.topLeft(), row.top_left},
+                                                               {rectangle.bottomRight(), row.bottom_right},
+                                                               {center, row.center}};
+    for (const auto& [actual, expected] : pairs) {
+        EXPECT_NEAR(actual.latitude(), expected.latitude(), 1e-9);
+        EXPECT_NEAR(actual.longitude(), expected.longitude(), 1e-9);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -261,72 +245,49 @@ TEST_F(QObjectManagerTest, AnEmptySceneHasADefaultRectangle)
     EXPECT_EQ(manager.allObjectsCenter(), QGeoRectangle().center());
 }
 
-TEST_F(QObjectManagerTest, TheTimeStepMovesThePositionObjects)
+TEST_F(QObjectManagerTest, TheTimeStepAndThePlaneMoveTheObjectsButWriteNothing)
 {
     om_ui_test::ChannelList channels;
-    auto* latitude = channels.add(om_ui_test::makeScalar(1.0, {48.20, 48.21, 48.22}, "lat"));
-    auto* longitude = channels.add(om_ui_test::makeScalar(1.0, {11.60, 11.61, 11.62}, "lon"));
-    QPositionObject* car = addPositionObject(QGeoObject::CAR);
-    car->setLatitudeChannel(latitude);
-    car->setLongitudeChannel(longitude);
+    QPositionObject* car = add(QGeoObject::CAR);
+    car->setLatitudeChannel(channels.add(om_ui_test::makeScalar(1.0, {48.20, 48.21, 48.22}, "lat")));
+    car->setLongitudeChannel(channels.add(om_ui_test::makeScalar(1.0, {11.60, 11.61, 11.62}, "lon")));
+    QPositionObject* cone = add(QGeoObject::CONE);
+    cone->setPosition(QGeoCoordinate(48.2, 11.6));
+    cone->setUseXYCoordinates(true);
+    auto* track = qobject_cast<overmap_ui::QTrackLine*>(manager.addObject(QGeoObject::TRACK_LINE));
+    track->setStartPosition(QGeoCoordinate(48.2, 11.6));
+    track->setEndPosition(QGeoCoordinate(48.2005, 11.6));
     QSignalSpy data(&manager, &QObjectManager::dataChanged);
-    ASSERT_TRUE(data.isValid());
+    QSignalSpy segments(track, &overmap_ui::QTrack::segmentsChanged);
+    ASSERT_TRUE(data.isValid() && segments.isValid());
 
     manager.updatePositions(2.0);
     EXPECT_NEAR(car->latitude(), 48.22, 1e-9);
     EXPECT_NEAR(car->longitude(), 11.62, 1e-9);
     EXPECT_EQ(data.count(), 0) << "a time step is not written to the setup";
-}
-
-TEST_F(QObjectManagerTest, APlaneChangeMovesObjectsPlacedInThePlaneAndRedrawsTracks)
-{
-    QPositionObject* cone = coneAt(48.2, 11.6);
-    cone->setUseXYCoordinates(true);
-    const QPointF xy = cone->xyPosition();
-    auto* track = qobject_cast<overmap_ui::QTrackLine*>(manager.addObject(QGeoObject::TRACK_LINE));
-    track->setStartPosition(QGeoCoordinate(48.2, 11.6));
-    track->setEndPosition(QGeoCoordinate(48.2005, 11.6));
-    QSignalSpy segments(track, &overmap_ui::QTrack::segmentsChanged);
-    ASSERT_TRUE(segments.isValid());
+    EXPECT_EQ(segments.count(), 0) << "tracks do not move with time";
 
     plane.setCenter(math_geo::GeoPosition(48.3, 11.6));
     manager.updateXYPositions();
     EXPECT_GT(cone->latitude(), 48.25) << "the cone keeps its place in the plane";
-    EXPECT_EQ(cone->xyPosition(), xy);
-    EXPECT_GE(segments.count(), 1);
-}
-
-TEST_F(QObjectManagerTest, ChangesOfObjectsAndCalculationsEndInDataChanged)
-{
-    QGeoObject* car = manager.addObject(QGeoObject::CAR);
-    QCalculation* calculation = manager.addCalculation();
-    QSignalSpy data(&manager, &QObjectManager::dataChanged);
-    ASSERT_TRUE(data.isValid());
-    car->setColor(Qt::red);
-    EXPECT_EQ(data.count(), 1);
-    calculation->setTrackTarget(QCalculation::EDGE);
-    EXPECT_EQ(data.count(), 2);
+    EXPECT_EQ(segments.count(), 1);
 }
 
 TEST_F(QObjectManagerTest, ANewCalculationIsNamedAfterItsIdOrTheNextFreeNumber)
 {
     const int id = overmap::Calculation::peekNextId();
     QCalculation* first = manager.addCalculation();
-    EXPECT_EQ(first->calcId(), id);
     EXPECT_EQ(first->name(), QString("Calculation %1").arg(id));
-    EXPECT_EQ(first->parent(), &manager);
     first->setName(QString("Calculation %1").arg(id + 1));
-
     QSignalSpy data(&manager, &QObjectManager::dataChanged);
     ASSERT_TRUE(data.isValid());
     QCalculation* second = manager.addCalculation();
-    EXPECT_EQ(second->calcId(), id + 1);
     EXPECT_EQ(second->name(), QString("Calculation %1").arg(id + 2));
     EXPECT_EQ(data.count(), 1);
     EXPECT_EQ(manager.calculations()->list(), (QList<QObject*>{first, second}));
 }
 
-TEST_F(QObjectManagerTest, CalculationsAreAddedAsTheyAreAndRemovedByRow)
+TEST_F(QObjectManagerTest, ChangesOfObjectsAndCalculationsEndInDataChanged)
 {
     auto* existing = new QCalculation(std::make_shared<overmap::Calculation>(), &manager, nullptr);
     existing->setName("Read from the setup");
@@ -334,17 +295,16 @@ TEST_F(QObjectManagerTest, CalculationsAreAddedAsTheyAreAndRemovedByRow)
     ASSERT_TRUE(data.isValid());
     manager.addExistingCalculation(existing);
     EXPECT_EQ(existing->name(), "Read from the setup");
-    EXPECT_EQ(data.count(), 1);
     existing->setResultTransformation(QCalculation::INVERT);
-    EXPECT_EQ(data.count(), 2);
+    manager.addObject(QGeoObject::CONE)->setColor(Qt::red);
+    EXPECT_EQ(data.count(), 5) << "adding, the change, adding and naming the cone, its colour";
 
     EXPECT_FALSE(manager.removeCalculation(1));
     EXPECT_FALSE(manager.removeCalculation(-1));
-    EXPECT_EQ(data.count(), 2);
     QPointer<QCalculation> removed(existing);
     EXPECT_TRUE(manager.removeCalculation(0));
     EXPECT_EQ(manager.calculations()->size(), 0);
-    EXPECT_EQ(data.count(), 3);
+    EXPECT_EQ(data.count(), 6);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(removed.isNull());
 }
@@ -357,74 +317,43 @@ TEST_F(QObjectManagerTest, ClearEmptiesTheListsButKeepsThem)
     manager.setDescription("Slalom");
     QObjectListModel* lists[] = {manager.positionObjects(), manager.tracks(), manager.allObjects(),
                                  manager.calculations()};
-    QStringList order;
-    QObject::connect(&manager, &QObjectManager::descriptionChanged,
-                     [&](const QString& text) { order << "descriptionChanged:" + text; });
-    QObject::connect(&manager, &QObjectManager::dataChanged, [&] { order << "dataChanged"; });
-
+    recordSignals();
     manager.clear();
     EXPECT_TRUE(car.isNull() && track.isNull() && calculation.isNull());
     for (QObjectListModel* list : lists)
         EXPECT_EQ(list->size(), 0);
-    EXPECT_EQ(manager.positionObjects(), lists[0]);
-    EXPECT_EQ(manager.calculations(), lists[3]);
-    EXPECT_EQ(manager.description(), "");
+    EXPECT_EQ(manager.allObjects(), lists[2]);
     EXPECT_EQ(order, (QStringList{"descriptionChanged:", "dataChanged"}));
 }
 
 TEST_F(QObjectManagerTest, ADescriptionChangeIsAnnouncedOnce)
 {
-    QStringList order;
-    QObject::connect(&manager, &QObjectManager::descriptionChanged,
-                     [&](const QString& text) { order << "descriptionChanged:" + text; });
-    QObject::connect(&manager, &QObjectManager::dataChanged, [&] { order << "dataChanged"; });
+    recordSignals();
     manager.setDescription("Proving ground");
     manager.setDescription("Proving ground");
     EXPECT_EQ(manager.description(), "Proving ground");
     EXPECT_EQ(order, (QStringList{"descriptionChanged:Proving ground", "dataChanged"}));
 }
 
-TEST_F(QObjectManagerTest, ComboBoxRolesAnswerTheName)
-{
-    manager.addObject(QGeoObject::CONE);
-    manager.addCalculation()->setName("Gap");
-    const QHash<int, QByteArray> roles = manager.allObjects()->roleNames();
-    EXPECT_EQ(roles.value(258), "name");
-    EXPECT_EQ(roles.value(259), "modelData");
-    EXPECT_EQ(manager.allObjects()->dataByRole(0, 258).toString(), "Cone 1");
-    EXPECT_EQ(manager.positionObjects()->dataByRole(0, 259).toString(), "Cone 1");
-    EXPECT_EQ(manager.calculations()->dataByRole(0, 258).toString(), "Gap");
-}
-
-TEST_F(QObjectManagerTest, EachListTakesOnlyItsOwnKind)
+TEST_F(QObjectManagerTest, EachListTakesOnlyItsOwnKindAndNamesItForComboBoxes)
 {
     QGeoObject* car = manager.addObject(QGeoObject::CAR);
     QGeoObject* line = manager.addObject(QGeoObject::TRACK_LINE);
     QCalculation* calculation = manager.addCalculation();
-    QObject plain;
-    struct Row
-    {
-        QObjectListModel* list;
-        QObject* object;
-        bool compatible;
-    };
-    const Row rows[] = {
-        {manager.positionObjects(), car, true},
-        {manager.positionObjects(), line, false},
-        {manager.tracks(), line, true},
-        {manager.tracks(), car, false},
-        {manager.allObjects(), car, true},
-        {manager.allObjects(), line, true},
-        {manager.allObjects(), calculation, false},
-        {manager.calculations(), calculation, true},
-        {manager.calculations(), car, false},
-        {manager.calculations(), &plain, false},
-        {manager.allObjects(), nullptr, false},
-    };
-    for (const Row& row : rows)
-        EXPECT_EQ(row.list->isObjectCompatible(row.object), row.compatible)
-            << row.list->metaObject()->className() << " with "
-            << (row.object != nullptr ? row.object->metaObject()->className() : "null");
+    const std::tuple<QObjectListModel*, QObject*, bool> rows[] = {{manager.positionObjects(), car, true},
+                                                                  {manager.positionObjects(), line, false},
+                                                                  {manager.tracks(), line, true},
+                                                                  {manager.tracks(), car, false},
+                                                                  {manager.allObjects(), line, true},
+                                                                  {manager.allObjects(), calculation, false},
+                                                                  {manager.calculations(), calculation, true},
+                                                                  {manager.calculations(), car, false}};
+    for (const auto& [list, object, compatible] : rows)
+        EXPECT_EQ(list->isObjectCompatible(object), compatible)
+            << list->metaObject()->className() << " with " << object->metaObject()->className();
+    EXPECT_EQ(manager.allObjects()->roleNames().value(259), "modelData");
+    EXPECT_EQ(manager.tracks()->dataByRole(0, 259).toString(), "Track line 1");
+    EXPECT_EQ(manager.calculations()->dataByRole(0, 258).toString(), calculation->name());
 }
 
 class QGeoObjectListFilterTest : public QObjectManagerTest
@@ -432,8 +361,8 @@ class QGeoObjectListFilterTest : public QObjectManagerTest
 protected:
     QGeoObjectListFilterTest()
     {
-        base = addPositionObject(QGeoObject::CAR);
-        child = addPositionObject(QGeoObject::CONE);
+        base = add(QGeoObject::CAR);
+        child = add(QGeoObject::CONE);
         other = manager.addObject(QGeoObject::TRACK_LINE);
         child->setReferenceObject(base);
         uni_testing::attachModelTester(&filter);
@@ -455,12 +384,8 @@ protected:
 
 TEST_F(QGeoObjectListFilterTest, LeavesOutTheFilteredObjectAndOnRequestItsDependents)
 {
-    QSignalSpy count(&filter, &QGeoObjectListFilter::countChanged);
-    ASSERT_TRUE(count.isValid());
     EXPECT_EQ(filter.get(0), nullptr) << "no source yet";
     filter.setSourceModel(manager.allObjects());
-    EXPECT_EQ(shown(), (QStringList{"Car 1", "Cone 1", "Track line 1"}));
-
     QSignalSpy filtered(&filter, &QGeoObjectListFilter::filteredObjectChanged);
     QSignalSpy dependent(&filter, &QGeoObjectListFilter::filterDependentChanged);
     ASSERT_TRUE(filtered.isValid() && dependent.isValid());
@@ -469,20 +394,16 @@ TEST_F(QGeoObjectListFilterTest, LeavesOutTheFilteredObjectAndOnRequestItsDepend
     EXPECT_EQ(filtered.count(), 1);
     EXPECT_EQ(shown(), (QStringList{"Cone 1", "Track line 1"}));
     EXPECT_EQ(filter.indexOf(base), -1);
+    EXPECT_EQ(filter.indexOf(child), 0);
     EXPECT_EQ(filter.indexOf(other), 1);
+    EXPECT_EQ(filter.indexOf(nullptr), -1);
 
-    filter.setFilterDependent(true);
+    filter.setProperty("filterdeDendent", true);
     EXPECT_EQ(dependent.count(), 1);
-    EXPECT_TRUE(filter.property("filterdeDendent").toBool());
     EXPECT_EQ(shown(), (QStringList{"Track line 1"}));
     EXPECT_EQ(filter.get(1), nullptr);
-    EXPECT_EQ(filter.get(-1), nullptr);
-
     filter.setFilteredObject(other);
     EXPECT_EQ(shown(), (QStringList{"Car 1", "Cone 1"}));
-    filter.setFilteredObject(nullptr);
-    EXPECT_EQ(shown(), (QStringList{"Car 1", "Cone 1", "Track line 1"}));
-    EXPECT_GE(count.count(), 3);
 }
 
 TEST_F(QGeoObjectListFilterTest, CountFollowsTheSourceList)

@@ -38,7 +38,8 @@ class QCalculation : public QObject
     Q_PROPERTY(bool euclideanOnly READ euclideanOnly NOTIFY euclideanOnlyChanged)
 
 public:
-    enum DistanceType
+    // A fixed underlying type: a view may write any number, which the setters refuse.
+    enum DistanceType : int
     {
         EUCLIDEAN = 0,
         X = 1,
@@ -46,14 +47,14 @@ public:
     };
     Q_ENUM(DistanceType)
 
-    enum TrackTarget
+    enum TrackTarget : int
     {
         CENTER = 0,
         EDGE = 1
     };
     Q_ENUM(TrackTarget)
 
-    enum ResultTransformation
+    enum ResultTransformation : int
     {
         AS_IS = 0,
         ABSOLUTE = 1,
