@@ -155,8 +155,10 @@ std::optional<Measurement> measure(const overmap::Calculation& calculation)
         return std::nullopt;
     const auto* from_position = dynamic_cast<const overmap::PositionObject*>(from_object.get());
     const auto* to_position = dynamic_cast<const overmap::PositionObject*>(to_object.get());
-    const auto* from_track = dynamic_cast<const overmap::Track*>(from_object.get());
-    const auto* to_track = dynamic_cast<const overmap::Track*>(to_object.get());
+    const auto* from_track =
+        from_position != nullptr ? nullptr : dynamic_cast<const overmap::Track*>(from_object.get());
+    const auto* to_track =
+        to_position != nullptr ? nullptr : dynamic_cast<const overmap::Track*>(to_object.get());
     const overmap::TrackTarget target = calculation.getTrackTarget();
 
     std::optional<GeoPosition> from;

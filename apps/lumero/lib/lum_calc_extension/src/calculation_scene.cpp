@@ -18,19 +18,6 @@ constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 /// Reference chains deeper than this are taken for a cycle the model let through.
 constexpr int MAX_DEPTH = 64;
 
-/// Whether @p channel has a sample at @p time: reading past its last sample or into a gap
-/// between recordings would hold an old value, which is no value of that time.
-bool recordedAt(const ferrin::ScalarChannel& channel, double time)
-{
-    const auto& time_base = channel.getTimeBase();
-    if (!time_base)
-        return false;
-    if (!channel.getRegionsManager())
-        return true; // a channel without regions cannot tell: its samples stand for themselves
-    const ferrin::Tick tick = ferrin::timeToTickFloor(time, *time_base);
-    return tick != ferrin::NO_TICK && channel.isDataAvailable(tick, ferrin::REGION_KIND_SAMPLES, 0);
-}
-
 void collect(const overmap::GeoObject* object, std::vector<std::shared_ptr<ferrin::ScalarChannel>>& out)
 {
     const auto* position = dynamic_cast<const overmap::PositionObject*>(object);
@@ -77,6 +64,32 @@ CalculationScene::inputChannels(const overmap::Calculation& calculation)
     collect(calculation.getFrom().get(), channels);
     collect(calculation.getTo().get(), channels);
     return channels;
+}
+
+bool CalculationScene::recordedAt(const ferrin::ScalarChannel& channel, double time)
+{
+    const auto& time_base = channel.getTimeBase();
+    if (!time_base)
+        return false;
+    const ferrin::Tick tick = ferrin::timeToTickFloor(time, *time_base);
+    if (tick == ferrin::NO_TICK)
+        return false;
+    // The region found last answers most questions of a replay without the regions' lock.
+    ferrin::DataRegion& cached = m_recorded.try_emplace(&channel, ferrin::NO_TICK, 0).first->second;
+    if (cached.first <= tick && tick <= cached.second)
+        return true;
+    if (!channel.getRegionsManager())
+        return true; // a channel without regions cannot tell: its samples stand for themselves
+    for (const ferrin::DataRegion& region :
+         channel.getDataRegions(tick, tick, ferrin::REGION_KIND_SAMPLES, 0, false, true)) {
+        if (region.first <= tick && tick <= region.second) {
+            // A closed recording's region stays as it is; an open one still grows.
+            if (region.second != ferrin::NO_TICK)
+                cached = region;
+            return true;
+        }
+    }
+    return false;
 }
 
 bool CalculationScene::knownAt(const overmap::PositionObject& object, double time, int depth)

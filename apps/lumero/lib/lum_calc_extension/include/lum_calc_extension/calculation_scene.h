@@ -60,6 +60,9 @@ private:
     /// Brings @p object to @p time; false when its channels give it no place then.
     bool place(overmap::PositionObject& object, double time);
     bool knownAt(const overmap::PositionObject& object, double time, int depth);
+    /// Whether @p channel has a sample at @p time: reading past its last sample or into a
+    /// gap between recordings would hold an old value, which is no value of that time.
+    bool recordedAt(const ferrin::ScalarChannel& channel, double time);
 
     struct Known
     {
@@ -70,6 +73,8 @@ private:
     std::mutex m_mutex;
     std::unique_ptr<overmap::ObjectManager> m_manager;
     std::unordered_map<const overmap::PositionObject*, Known> m_known;
+    /// By input channel, the closed region of samples last found (ticks, both inclusive).
+    std::unordered_map<const ferrin::ScalarChannel*, std::pair<std::uint64_t, std::uint64_t>> m_recorded;
 };
 
 } // namespace lum::calc
