@@ -20,25 +20,81 @@ namespace {
 
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
-/// The source behind a result channel: the clock's stream for the data regions, and no
-/// reduced data.
+/// Reduced data of a result: entry i summarises the values at the clock's samples of the
+/// i-th block of the clock's own reduction, worked out when it is read.
+class ResultReducedStream : public ferrin::ReducedStream
+{
+public:
+    ResultReducedStream(std::weak_ptr<const ResultChannel> channel, std::uint64_t factor,
+                        std::shared_ptr<ferrin::ReducedStream> clock_stream)
+        : m_channel(std::move(channel)), m_factor(factor), m_clock_stream(std::move(clock_stream))
+    {}
+
+    std::uint32_t entrySize() const override { return ferrin::REDUCED_ENTRY_SIZE; }
+    std::uint64_t entryCount() const override { return m_clock_stream->entryCount(); }
+    bool readEntry(std::uint64_t index, std::uint8_t* out) const override;
+    // Entries are computed from the inputs' samples, which their own sources keep.
+    bool reserve(const ferrin::DataSource&, ferrin::Tick, ferrin::Tick, const std::string&,
+                 std::uint32_t) override
+    {
+        return true;
+    }
+    bool release(const ferrin::DataSource&, ferrin::Tick, ferrin::Tick, const std::string&,
+                 std::uint32_t) override
+    {
+        return true;
+    }
+    bool load(const ferrin::DataSource&, ferrin::Tick, ferrin::Tick) override { return true; }
+
+private:
+    std::weak_ptr<const ResultChannel> m_channel;
+    std::uint64_t m_factor;
+    std::shared_ptr<ferrin::ReducedStream> m_clock_stream;
+};
+
+} // namespace
+
+/// The source behind a result channel: the clock's stream for the data regions and the
+/// factors of its reduced data, whose entries are computed from the results.
 class ResultSource : public ferrin::DataSource
 {
 public:
-    explicit ResultSource(std::uint64_t stream_id) : m_stream_id(stream_id) {}
+    explicit ResultSource(std::shared_ptr<ferrin::DataSource> clock_source, bool synchronous)
+        : m_clock_source(std::move(clock_source)), m_synchronous(synchronous)
+    {}
 
-    std::uint64_t reductionFactor(std::uint32_t, std::uint64_t) const override { return 0; }
-    std::uint64_t tickReductionFactor(std::uint32_t, std::uint64_t) const override { return 0; }
-    std::shared_ptr<ferrin::ReducedStream> getReducedStream(std::uint32_t, std::uint32_t) const override
+    void setChannel(std::weak_ptr<const ResultChannel> channel) { m_channel = std::move(channel); }
+
+    std::uint64_t reductionFactor(std::uint32_t level, std::uint64_t stream_id) const override
     {
-        return nullptr;
+        // Blocks of samples are blocks of ticks only for a clock of evenly spaced samples.
+        return m_clock_source && m_synchronous ? m_clock_source->reductionFactor(level, stream_id) : 0;
     }
-    std::uint64_t streamId() const override { return m_stream_id; }
+    std::uint64_t tickReductionFactor(std::uint32_t level, std::uint64_t stream_id) const override
+    {
+        return m_clock_source ? m_clock_source->tickReductionFactor(level, stream_id) : 0;
+    }
+    std::shared_ptr<ferrin::ReducedStream> getReducedStream(std::uint32_t kind,
+                                                            std::uint32_t level) const override
+    {
+        const std::uint64_t factor = reductionFactorByKind(kind, level);
+        if (factor == 0 || kind > ferrin::REDUCED_KIND_TICKS)
+            return nullptr;
+        auto clock_stream = m_clock_source->getReducedStream(kind, level);
+        if (!clock_stream)
+            return nullptr;
+        return std::make_shared<ResultReducedStream>(m_channel, factor, std::move(clock_stream));
+    }
+    std::uint64_t streamId() const override { return m_clock_source ? m_clock_source->streamId() : 0; }
     std::shared_ptr<ferrin::IfLoadableStream> getSampleStream() const override { return nullptr; }
 
 private:
-    std::uint64_t m_stream_id;
+    std::shared_ptr<ferrin::DataSource> m_clock_source;
+    bool m_synchronous;
+    std::weak_ptr<const ResultChannel> m_channel;
 };
+
+namespace {
 
 /// The clock's samples, each with the distance at its time.
 class ClockIterator : public ferrin::IfSampleIterator
@@ -160,6 +216,25 @@ private:
     double m_squares = 0.0;
 };
 
+bool ResultReducedStream::readEntry(std::uint64_t index, std::uint8_t* out) const
+{
+    const auto channel = m_channel.lock();
+    if (!channel || !channel->clock() || index >= entryCount())
+        return false;
+    const ferrin::TimeBase& time_base = *channel->getTimeBase();
+    const ferrin::Tick first = index * m_factor;
+    const ferrin::Tick last = first + m_factor - 1;
+    Statistics statistics;
+    for (auto it = channel->clock()->getSampleIterator(first, daq::SEEK_AT_OR_AFTER);
+         it->isValid() && it->getTimestamp() <= last; it->next())
+        statistics.add(channel->valueAt(ferrin::tickToTime(it->getTimestamp(), time_base)));
+    // A block without a value has an entry of not-a-number, as blocks without samples do.
+    ferrin::encodeReducedEntry({statistics.result(ferrin::CALC_MIN), statistics.result(ferrin::CALC_MAX),
+                                statistics.result(ferrin::CALC_AVERAGE), statistics.result(ferrin::CALC_RMS)},
+                               out);
+    return true;
+}
+
 } // namespace
 
 std::shared_ptr<ferrin::ScalarChannel> ResultChannel::clockFor(const overmap::Calculation& calculation)
@@ -190,15 +265,18 @@ std::shared_ptr<ResultChannel> ResultChannel::create(channel_config::ChannelID i
         setup.time_base = std::make_shared<lum::data::MemoryTimeBase>(1.0, 0.0);
         setup.sample_occurrence = ferrin::OCCURRENCE_SINGLE_VALUE;
     }
-    return std::make_shared<ResultChannel>(std::move(setup), std::move(binding), std::move(clock));
+    auto channel = std::make_shared<ResultChannel>(std::move(setup), std::move(binding), std::move(clock));
+    channel->m_source->setChannel(channel);
+    return channel;
 }
 
 ResultChannel::ResultChannel(ferrin::ChannelSetup setup, Binding binding,
                              std::shared_ptr<ferrin::ScalarChannel> clock)
     : ferrin::ScalarChannel(std::move(setup)), m_clock(std::move(clock))
 {
-    const auto clock_source = m_clock ? m_clock->getDataSource() : nullptr;
-    m_source = std::make_shared<ResultSource>(clock_source ? clock_source->streamId() : 0);
+    m_source =
+        std::make_shared<ResultSource>(m_clock ? m_clock->getDataSource() : nullptr,
+                                       m_clock && m_clock->getSampleOccurrence() == ferrin::OCCURRENCE_SYNC);
     rebind(std::move(binding));
 }
 
@@ -221,6 +299,11 @@ std::shared_ptr<const ResultChannel::State> ResultChannel::state() const
 ResultChannel::Binding ResultChannel::binding() const
 {
     return state()->binding;
+}
+
+std::shared_ptr<ferrin::DataSource> ResultChannel::getDataSource() const
+{
+    return m_source;
 }
 
 double ResultChannel::valueAt(double time) const

@@ -137,8 +137,10 @@ protected:
         setup.config_manager = &m_channels;
         setup.items = std::make_shared<ferrin::ConfigItemStore>();
         setup.items->set("Ferrin/Name", config_items::StringConfigItem(name));
-        m_channels.addChannel(
-            lum::data::SyncScalarChannel::create(std::move(setup), std::move(values), m_regions, local_id));
+        lum::data::MemoryChannelOptions options;
+        options.reduction_block = 4;
+        m_channels.addChannel(lum::data::SyncScalarChannel::create(std::move(setup), std::move(values),
+                                                                   m_regions, local_id, options));
     }
 
     /// The setup text of the scene; @p with_cone false leaves the cone out, as if deleted.
@@ -260,6 +262,34 @@ TEST_F(CalculationExtensionTest, TimesWithoutASampleOfAnInputGiveNoValue)
     EXPECT_NEAR(*static_cast<const double*>(it->getValue()), expected(CALCULATIONS[0], 4), 1e-3);
     ASSERT_TRUE(it->next());
     EXPECT_NEAR(*static_cast<const double*>(it->getValue()), expected(CALCULATIONS[0], 5), 1e-3);
+}
+
+TEST_F(CalculationExtensionTest, ReducedDataSummarisesTheResultsOfABlockOfTheClocksSamples)
+{
+    m_module.setExtensionConfiguration(QString::fromStdString(sceneText(true)));
+    QCalculationExtension extension(m_module, m_channels, m_fetcher);
+    const auto channel = extension.resultChannel(2);
+    ASSERT_TRUE(channel);
+    // Blocks of four samples: at 9.5 s the last complete one before is that of samples 4 to 7.
+    double low = INFINITY, high = -INFINITY, sum = 0.0, squares = 0.0;
+    for (int second = 4; second <= 7; ++second) {
+        const double value = expected(CALCULATIONS[1], second);
+        low = std::min(low, value);
+        high = std::max(high, value);
+        sum += value;
+        squares += value * value;
+    }
+    for (const std::uint32_t kind : {ferrin::REDUCED_KIND_SAMPLES, ferrin::REDUCED_KIND_TICKS}) {
+        const auto reduced = channel->getReducedValueAtTime(9.5, 1, kind, true);
+        ASSERT_TRUE(reduced) << kind;
+        EXPECT_NEAR(reduced->min, low, 1e-3);
+        EXPECT_NEAR(reduced->max, high, 1e-3);
+        EXPECT_NEAR(reduced->avg, sum / 4, 1e-3);
+        EXPECT_NEAR(reduced->rms, std::sqrt(squares / 4), 1e-3);
+        EXPECT_FALSE(channel->getReducedValueAtTime(3.5, 1, kind, true)) << "no complete block before";
+    }
+    EXPECT_NEAR(channel->calculateValue(4.0, 7.0, ferrin::CALC_AVERAGE), sum / 4, 1e-3);
+    EXPECT_NEAR(channel->calculateValue(4.0, 7.0, ferrin::CALC_PEAK2PEAK), high - low, 1e-3);
 }
 
 TEST_F(CalculationExtensionTest, ASetupChangeRemovesRenamesAndKeepsChannels)

@@ -16,6 +16,7 @@ class Calculation;
 namespace lum::calc {
 
 class CalculationScene;
+class ResultSource;
 
 /// The result of one calculation as a channel of the host: metres at any time asked,
 /// computed from the same channel samples that move the calculation's objects.
@@ -29,7 +30,8 @@ class CalculationScene;
 ///
 /// The calculation it stands for can be swapped (rebind) while readers read, from any
 /// thread; the clock is fixed, so a calculation whose clock changes needs a new channel.
-/// No reduced data: the reduced requests find none.
+/// Reduced data follows the clock's reduction (its factors and entry counts); an entry
+/// summarises the values at the clock's samples of its block and is worked out when read.
 class ResultChannel : public ferrin::ScalarChannel
 {
 public:
@@ -58,7 +60,7 @@ public:
     /// The distance at @p time (seconds), NaN for none.
     double valueAt(double time) const;
 
-    std::shared_ptr<ferrin::DataSource> getDataSource() const override { return m_source; }
+    std::shared_ptr<ferrin::DataSource> getDataSource() const override;
     daq::SamplePtr getSampleAtTime(double time) const override;
     double getValueAtTime(double time, ferrin::Tick* tick_out) const override;
     /// Loads every input's sample at @p time first.
@@ -83,7 +85,7 @@ private:
     ferrin::Tick tickAt(double time, bool ensure_loaded) const;
 
     std::shared_ptr<ferrin::ScalarChannel> m_clock;
-    std::shared_ptr<ferrin::DataSource> m_source;
+    std::shared_ptr<ResultSource> m_source;
     mutable std::mutex m_state_mutex;
     std::shared_ptr<const State> m_state;
 };
