@@ -1,3 +1,4 @@
+#include <lum_calc_extension/calculation_geometry.h>
 #include <lum_calc_extension/calculation_scene.h>
 #include <lum_calc_extension/qcalculation_extension.h>
 #include <lum_calc_extension/result_channel.h>
@@ -98,6 +99,7 @@ struct CalculationSpec
     DistanceType type;
     TrackTarget target;
     ResultTransformation transformation;
+    bool use_poi = true;
 };
 
 const std::vector<CalculationSpec> CALCULATIONS = {
@@ -111,6 +113,9 @@ const std::vector<CalculationSpec> CALCULATIONS = {
      ResultTransformation::AS_IS},
     {6, "centre to track edge", false, 0, DistanceType::EUCLIDEAN, TrackTarget::EDGE,
      ResultTransformation::AS_IS},
+    {8, "poi switched off", true, 1, DistanceType::EUCLIDEAN, TrackTarget::CENTER,
+     ResultTransformation::AS_IS, false},
+    {9, "no such poi", true, 2, DistanceType::EUCLIDEAN, TrackTarget::CENTER, ResultTransformation::AS_IS},
 };
 
 class CalculationExtensionTest : public ::testing::Test
@@ -173,6 +178,7 @@ protected:
             calculation->setFrom(car);
             calculation->setTo(spec.to_cone ? std::shared_ptr<overmap::GeoObject>(cone) : track);
             calculation->setFromPoiIdx(spec.from_poi);
+            calculation->setUseFromPoi(spec.use_poi);
             calculation->setDistanceType(spec.type);
             calculation->setTrackTarget(spec.target);
             calculation->setResultTransformation(spec.transformation);
@@ -239,6 +245,11 @@ TEST_F(CalculationExtensionTest, EveryDistanceTypeTrackTargetAndTransformationMa
     ASSERT_TRUE(still);
     EXPECT_NEAR(still->getValueAtTime(123.0, nullptr), TRACK_EAST - 40.0 * std::sin(20.0 * DEG), 1e-3)
         << "objects that stand still give their distance at any time";
+    const auto it = still->getSampleIterator(0, daq::SEEK_AT_OR_AFTER);
+    ASSERT_TRUE(it->isValid());
+    EXPECT_DOUBLE_EQ(*static_cast<const double*>(it->getValue()), still->getValueAtTime(0.0, nullptr));
+    EXPECT_FALSE(it->next()) << "its one sample";
+    EXPECT_FALSE(still->getSampleIterator(1, daq::SEEK_AT_OR_AFTER)->isValid());
 }
 
 TEST_F(CalculationExtensionTest, TimesWithoutASampleOfAnInputGiveNoValue)
@@ -290,6 +301,24 @@ TEST_F(CalculationExtensionTest, ReducedDataSummarisesTheResultsOfABlockOfTheClo
     }
     EXPECT_NEAR(channel->calculateValue(4.0, 7.0, ferrin::CALC_AVERAGE), sum / 4, 1e-3);
     EXPECT_NEAR(channel->calculateValue(4.0, 7.0, ferrin::CALC_PEAK2PEAK), high - low, 1e-3);
+    EXPECT_NEAR(channel->calculateValue(4.0, 7.0, ferrin::CALC_ACRMS),
+                std::sqrt(squares / 4 - (sum / 4) * (sum / 4)), 1e-3);
+}
+
+TEST_F(CalculationExtensionTest, OfTwoCalculationsWithOneIdTheFirstHasTheChannel)
+{
+    std::string text = sceneText(true);
+    // A copy of calculation 5 (to the track) under calculation 1's id, after all others.
+    const std::size_t begin = text.find("<Calculation calculationId=\"5\"");
+    ASSERT_NE(begin, std::string::npos);
+    std::string copy = text.substr(begin, text.find("/>", begin) + 2 - begin);
+    copy.replace(copy.find("\"5\""), 3, "\"1\"");
+    text.insert(text.find("</Calculations>"), copy);
+    m_module.setExtensionConfiguration(QString::fromStdString(text));
+    QCalculationExtension extension(m_module, m_channels, m_fetcher);
+    ASSERT_TRUE(listed(1));
+    EXPECT_EQ(listed(1), extension.resultChannel(1));
+    EXPECT_NEAR(extension.resultChannel(1)->getValueAtTime(2.0, nullptr), expected(CALCULATIONS[0], 2), 1e-3);
 }
 
 TEST_F(CalculationExtensionTest, ASetupChangeRemovesRenamesAndKeepsChannels)
@@ -305,7 +334,7 @@ TEST_F(CalculationExtensionTest, ASetupChangeRemovesRenamesAndKeepsChannels)
     // The cone is deleted: the calculations to it lose their end and their channels.
     m_module.setExtensionConfiguration(QString::fromStdString(sceneText(false, "renamed")));
     EXPECT_EQ(changed.count(), 1);
-    for (std::int32_t id : {1, 2, 3, 4, 7}) {
+    for (std::int32_t id : {1, 2, 3, 4, 7, 8, 9}) {
         EXPECT_EQ(listed(id), nullptr) << id;
         EXPECT_EQ(extension.resultChannel(id), nullptr) << id;
     }
@@ -337,7 +366,7 @@ TEST_F(CalculationExtensionTest, TheExtensionTakesItsChannelsAlongWhenItGoes)
     m_module.setExtensionConfiguration(QString::fromStdString(sceneText(true)));
     {
         QCalculationExtension extension(m_module, m_channels, m_fetcher);
-        EXPECT_EQ(m_channels.channels().size(), 3u + 7u);
+        EXPECT_EQ(m_channels.channels().size(), 3u + 9u);
     }
     EXPECT_EQ(m_channels.channels().size(), 3u);
 }
@@ -392,6 +421,73 @@ TEST(ExampleSetup, CalculationsAreChannelsWithTheDistancesOfTheRecordings)
                     2e-3 + 1e-5 * distance(front_right1, cone))
             << time;
     }
+
+    // Car 2 round the hairpin: an arc of radius 50 m from the west end of its chord to the
+    // east end, bulging north; its centre line is as far as car 2's centre from the circle.
+    const GeoPosition west(47.998597438523, 10.245);
+    const GeoPosition east(47.998597438523, 10.246339897686);
+    const GeoPosition centre(west.latitude, (west.longitude + east.longitude) / 2);
+    const double radius = distance(west, east) / 2;
+    int on_the_arc = 0;
+    for (double time = 0.0; time < 120.0; time += 0.5) {
+        const GeoPosition car2(recorded(*recordings.manager, 2, 1, time),
+                               recorded(*recordings.manager, 2, 2, time));
+        if (!(car2.latitude > centre.latitude + 1e-5))
+            continue;
+        ++on_the_arc;
+        const GeoPosition middle = atLocal(car2, recorded(*recordings.manager, 2, 4, time), 0.6, -0.1);
+        EXPECT_NEAR(channel(4)->getValueAtTime(time, nullptr), std::fabs(distance(middle, centre) - radius),
+                    5e-3)
+            << time;
+    }
+    EXPECT_GT(on_the_arc, 5);
+}
+
+// --- Geometry of ends that the setup text cannot give: a track as the from side ---------------
+
+TEST(CalculationGeometry, ATrackOnTheFromSideIsMeasuredTowardsTheOtherSideInItsFrame)
+{
+    overmap::ObjectManager manager;
+    manager.getReferencePlane()->setCenter(ORIGIN);
+    const math_geo::ProjectionPlane* plane = manager.getReferencePlane();
+    // Two east-west tracks 4 m wide, the second 30 m north of the first, and a cone 10 m
+    // north of the first, facing north.
+    const auto eastWest = [&](std::int32_t id, double north) {
+        auto track = std::make_shared<overmap::TrackLine>(id, plane);
+        track->setWidth(TRACK_WIDTH);
+        const GeoPosition middle = direct(ORIGIN, 0.0, north);
+        track->setStart(direct(middle, 270.0, 100.0));
+        track->setEnd(direct(middle, 90.0, 100.0));
+        return track;
+    };
+    const auto south = eastWest(1, 0.0);
+    const auto north = eastWest(2, 30.0);
+    auto cone = std::make_shared<overmap::Cone>(3, plane);
+    cone->setCoordinateSystem(math_geo::CoordinateSystem::X_FRONT_Y_LEFT);
+    cone->setGeoPosition(direct(direct(ORIGIN, 0.0, 10.0), 90.0, 7.0));
+
+    overmap::Calculation calculation;
+    calculation.setFrom(south);
+    calculation.setTo(cone);
+    calculation.setDistanceType(DistanceType::X);
+    auto measured = lum::calc::measure(calculation);
+    ASSERT_TRUE(measured);
+    EXPECT_NEAR(measured->value, 10.0, 1e-3) << "ahead of the cone's own axes, from the track to it";
+    calculation.setTrackTarget(TrackTarget::EDGE);
+    measured = lum::calc::measure(calculation);
+    ASSERT_TRUE(measured);
+    EXPECT_NEAR(measured->value, 10.0 - TRACK_WIDTH / 2, 1e-3);
+
+    calculation.setTrackTarget(TrackTarget::CENTER);
+    calculation.setTo(north);
+    calculation.setDistanceType(DistanceType::EUCLIDEAN);
+    measured = lum::calc::measure(calculation);
+    ASSERT_TRUE(measured);
+    EXPECT_NEAR(measured->value, 30.0, 1e-3);
+    calculation.setDistanceType(DistanceType::X);
+    measured = lum::calc::measure(calculation);
+    ASSERT_TRUE(measured);
+    EXPECT_NEAR(measured->value, 30.0, 1e-3) << "along the reference plane's x, forward (north)";
 }
 
 } // namespace
