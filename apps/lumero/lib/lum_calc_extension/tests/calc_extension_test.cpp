@@ -184,6 +184,17 @@ protected:
             calculation->setResultTransformation(spec.transformation);
             manager.addCalculation(calculation);
         }
+        // A cone carried 10 m ahead of the car, in the car's frame.
+        auto carried = std::make_shared<overmap::Cone>(4, plane);
+        carried->setReferenceObject(car);
+        carried->setXYPosition(Point2D(10.0, 0.0, math_geo::CoordinateSystem::X_FRONT_Y_LEFT));
+        manager.addObject(carried);
+        auto ahead = std::make_shared<overmap::Calculation>(10);
+        ahead->setName("car to the cone it carries");
+        ahead->setFrom(car);
+        ahead->setTo(carried);
+        ahead->setDistanceType(DistanceType::X);
+        manager.addCalculation(ahead);
         auto still = std::make_shared<overmap::Calculation>(7);
         still->setName("cone to track");
         still->setFrom(cone);
@@ -231,6 +242,8 @@ TEST_F(CalculationExtensionTest, EveryDistanceTypeTrackTargetAndTransformationMa
         ASSERT_TRUE(channel) << spec.name;
         EXPECT_EQ(channel->getName(), spec.name);
         EXPECT_EQ(channel->getUnit(), "m");
+        EXPECT_TRUE(channel->isUsed());
+        EXPECT_EQ(channel->getChannelType(), 57) << "Calculation";
         for (const double time : {0.0, 3.5, 10.0}) {
             ferrin::Tick tick = ferrin::NO_TICK;
             EXPECT_NEAR(channel->getValueAtTime(time, &tick), expected(spec, static_cast<int>(time)), 1e-3)
@@ -266,6 +279,13 @@ TEST_F(CalculationExtensionTest, TimesWithoutASampleOfAnInputGiveNoValue)
         EXPECT_EQ(channel->getSampleAtTime(time), nullptr) << time;
     }
     EXPECT_TRUE(log.none("overmap")) << "the gap is seen before an object would complain about it";
+    // An object carried by another has a place exactly when its carrier has one.
+    const auto carried = extension.resultChannel(10);
+    ASSERT_TRUE(carried);
+    EXPECT_NEAR(carried->getValueAtTime(3.5, nullptr), 10.0, 1e-6);
+    EXPECT_TRUE(std::isnan(carried->getValueAtTime(11.0, nullptr)));
+    EXPECT_TRUE(std::isnan(channel->calculateValue(0.0, 10.0, 99)));
+    EXPECT_TRUE(log.contains("lum_calc", 1, "calculateValue: unknown calculation type 99"));
     // Samples of the result are those of the car, each with the distance at its time.
     auto it = channel->getSampleIterator(4, daq::SEEK_AT_OR_AFTER);
     ASSERT_TRUE(it->isValid());
@@ -366,7 +386,7 @@ TEST_F(CalculationExtensionTest, TheExtensionTakesItsChannelsAlongWhenItGoes)
     m_module.setExtensionConfiguration(QString::fromStdString(sceneText(true)));
     {
         QCalculationExtension extension(m_module, m_channels, m_fetcher);
-        EXPECT_EQ(m_channels.channels().size(), 3u + 9u);
+        EXPECT_EQ(m_channels.channels().size(), 3u + 10u);
     }
     EXPECT_EQ(m_channels.channels().size(), 3u);
 }
