@@ -94,6 +94,10 @@ struct Scene
             results.push_back(entry.second);
         first_inputs = {fetcher.findById(channel_config::ChannelID(1, 1)),
                         fetcher.findById(channel_config::ChannelID(CALCULATIONS + 1, 1))};
+        for (std::uint32_t node : {1u, static_cast<std::uint32_t>(CALCULATIONS + 1)}) {
+            for (std::uint32_t local = 1; local <= 3; ++local)
+                all_inputs.push_back(fetcher.findById(channel_config::ChannelID(node, local)));
+        }
     }
 
     lum::data::MemoryChannelConfigManager channels;
@@ -104,6 +108,8 @@ struct Scene
     std::vector<std::shared_ptr<lum::calc::ResultChannel>> results;
     /// Latitude channels of the two cars of calculation 1.
     std::vector<std::shared_ptr<ferrin::ScalarChannel>> first_inputs;
+    /// Latitude, longitude and heading of both cars of calculation 1.
+    std::vector<std::shared_ptr<ferrin::ScalarChannel>> all_inputs;
 };
 
 Scene& scene()
@@ -162,9 +168,26 @@ void BM_TwoInputChannelLookups(benchmark::State& state)
 }
 BENCHMARK(BM_TwoInputChannelLookups);
 
+/// Everything a result reads, for comparison: the six channels that move its two cars.
+void BM_SixInputChannelLookups(benchmark::State& state)
+{
+    Scene& s = scene();
+    double time = 1.0;
+    for (auto _ : state) {
+        const double t = nextTime(time);
+        double sum = 0.0;
+        for (const auto& channel : s.all_inputs)
+            sum += channel->getValueAtTime(t, nullptr);
+        benchmark::DoNotOptimize(sum);
+    }
+}
+BENCHMARK(BM_SixInputChannelLookups);
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    return bench::runWithRatios(argc, argv, {{"BM_ResultChannelLookup", "BM_TwoInputChannelLookups", 3.0}});
+    return bench::runWithRatios(argc, argv,
+                                {{"BM_ResultChannelLookup", "BM_TwoInputChannelLookups", 3.0},
+                                 {"BM_ResultChannelLookup", "BM_SixInputChannelLookups", 0.0}});
 }
