@@ -8,6 +8,7 @@
 
 #include <lum_host/qextension_module.h>
 
+#include <lum_data/async_scalar_channel.h>
 #include <lum_data/memory_channel_config_manager.h>
 #include <lum_data/memory_time_base.h>
 #include <lum_data/sync_scalar_channel.h>
@@ -293,6 +294,42 @@ TEST_F(CalculationExtensionTest, TimesWithoutASampleOfAnInputGiveNoValue)
     EXPECT_NEAR(*static_cast<const double*>(it->getValue()), expected(CALCULATIONS[0], 4), 1e-3);
     ASSERT_TRUE(it->next());
     EXPECT_NEAR(*static_cast<const double*>(it->getValue()), expected(CALCULATIONS[0], 5), 1e-3);
+}
+
+TEST_F(CalculationExtensionTest, ARecordingStillBeingWrittenHasValuesUpToNowAndNoneBeyondItsEnd)
+{
+    // The car's channels as a recording in progress: five samples so far.
+    std::vector<std::shared_ptr<lum::data::AsyncScalarChannel>> live;
+    for (std::uint32_t local = 1; local <= 3; ++local) {
+        ferrin::ChannelSetup setup;
+        setup.id = channel_config::ChannelID(1, local);
+        setup.time_base = std::make_shared<lum::data::MemoryTimeBase>(1.0, 0.0);
+        setup.config_manager = &m_channels;
+        setup.items = std::make_shared<ferrin::ConfigItemStore>();
+        setup.items->set("Ferrin/Name", config_items::StringConfigItem("live"));
+        live.push_back(lum::data::AsyncScalarChannel::create(std::move(setup), m_regions, 10 + local));
+        for (int second = 0; second < 5; ++second) {
+            const GeoPosition car = carAt(second);
+            live.back()->append(static_cast<ferrin::Tick>(second), local == 1   ? car.latitude
+                                                                   : local == 2 ? car.longitude
+                                                                                : HEADING);
+        }
+        live.back()->publish();
+        m_channels.addChannel(live.back());
+    }
+    m_module.setExtensionConfiguration(QString::fromStdString(sceneText(true)));
+    QCalculationExtension extension(m_module, m_channels, m_fetcher);
+    const auto channel = extension.resultChannel(1);
+    ASSERT_TRUE(channel);
+    EXPECT_NEAR(channel->getValueAtTime(2.0, nullptr), expected(CALCULATIONS[0], 2), 1e-3);
+    EXPECT_NEAR(channel->getValueAtTime(8.0, nullptr), expected(CALCULATIONS[0], 4), 1e-3)
+        << "while recording, the newest sample is the present";
+    for (const auto& input : live)
+        input->finish();
+    // At a new time: like an object's update, the scene answers a time it has seen from memory.
+    EXPECT_TRUE(std::isnan(channel->getValueAtTime(8.5, nullptr)))
+        << "once it has ended, nothing lies beyond";
+    EXPECT_NEAR(channel->getValueAtTime(3.0, nullptr), expected(CALCULATIONS[0], 3), 1e-3);
 }
 
 TEST_F(CalculationExtensionTest, ReducedDataSummarisesTheResultsOfABlockOfTheClocksSamples)
