@@ -187,9 +187,16 @@ std::set<std::int32_t> placeScene(overmap::ObjectManager& manager, double time)
     return unplaced;
 }
 
-void writeCsv(std::ostream& out, const std::vector<ReplayRow>& rows)
+void writeCsv(std::ostream& out, const std::vector<ReplayRow>& rows,
+              const std::vector<CalculationColumn>& calculations)
 {
-    out << "time,object_id,name,latitude,longitude,heading,x,y,valid\n";
+    out << "time,object_id,name,latitude,longitude,heading,x,y,valid";
+    for (const CalculationColumn& column : calculations)
+        out << ',' << csvText(column.channel ? column.channel->getName() : std::string());
+    out << '\n';
+    // The objects of one time share its calculation values.
+    std::vector<double> values(calculations.size());
+    double values_time = NAN;
     // Rows are most of the tool's work: fixed decimals from the bits (fixedDecimal), else
     // std::to_chars, both several times faster than the stream or fmt.
     std::string line;
@@ -235,7 +242,22 @@ void writeCsv(std::ostream& out, const std::vector<ReplayRow>& rows)
         append(row.heading, 3);
         append(row.x, 3);
         append(row.y, 3);
-        line += row.valid ? "1\n" : "0\n";
+        line += row.valid ? '1' : '0';
+        if (!calculations.empty() && !(row.time == values_time)) {
+            values_time = row.time;
+            for (std::size_t i = 0; i < calculations.size(); ++i)
+                values[i] = calculations[i].channel
+                                ? calculations[i].channel->getValueAtTime(row.time, nullptr)
+                                : NAN;
+        }
+        for (const double value : values) {
+            line += ',';
+            if (std::isfinite(value)) {
+                append(value, 3);
+                line.pop_back(); // append ends each field with its separator
+            }
+        }
+        line += '\n';
         out.write(line.data(), static_cast<std::streamsize>(line.size()));
     }
 }

@@ -6,7 +6,16 @@
 #include <overmap_replay/replay_scene.h>
 #include <overmap_replay/scene_picture.h>
 
+#include <lum_calc_extension/qcalculation_extension.h>
+#include <lum_calc_extension/result_channel.h>
+
+#include <lum_host/qextension_module.h>
+
+#include <om_model/calculation.h>
+#include <om_model/object_manager.h>
+
 #include <fstream>
+#include <memory>
 #include <ostream>
 
 namespace overmap_replay {
@@ -56,6 +65,24 @@ int runReplay(const std::vector<std::string>& args, std::ostream& out, std::ostr
                 (unresolved.size() > 1 ? " and " + std::to_string(unresolved.size() - 1) + " more" : ""));
     }
 
+    // The setup's calculations are worked out by the host's extension from the setup text,
+    // as in the host; their result channels give the CSV columns and the picture's values.
+    QExtensionModule extension(QStringLiteral("overmap"),
+                               static_cast<std::uint32_t>(recordings.recordings.size() + 1));
+    std::vector<CalculationColumn> calculations;
+    std::unique_ptr<lum::calc::QCalculationExtension> calculation_extension;
+    if (!options.setup_path.empty()) {
+        QString load_error;
+        if (!extension.loadFromFile(QString::fromStdString(options.setup_path), &load_error))
+            return fail(err, EXIT_FAILED, load_error.toStdString());
+        calculation_extension =
+            std::make_unique<lum::calc::QCalculationExtension>(extension, *recordings.manager, fetcher);
+        for (const auto& calculation : scene.manager->getCalculations()) {
+            if (const auto channel = calculation_extension->resultChannel(calculation->getId()))
+                calculations.push_back({calculation->getId(), channel});
+        }
+    }
+
     const ReplayResult result = replayScene(*scene.manager, times);
 
     // The path files first: a failed run then leaves no rows behind that look complete.
@@ -71,18 +98,21 @@ int runReplay(const std::vector<std::string>& args, std::ostream& out, std::ostr
         picture.time = options.png_at ? *options.png_at : (times.empty() ? 0.0 : times.back());
         picture.paths = drivenPaths(result);
         picture.hidden = placeScene(*scene.manager, picture.time);
+        for (const CalculationColumn& column : calculations)
+            picture.calculation_values.emplace(column.calculation_id,
+                                               column.channel->getValueAtTime(picture.time, nullptr));
         if (!writeScenePicture(*scene.manager, picture, error))
             return fail(err, EXIT_FAILED, error);
     }
 
     if (!options.out_path.empty()) {
         std::ofstream file(options.out_path, std::ios::binary);
-        writeCsv(file, result.rows);
+        writeCsv(file, result.rows, calculations);
         file.flush();
         if (!file)
             return fail(err, EXIT_FAILED, options.out_path + ": cannot write the CSV file");
     } else {
-        writeCsv(out, result.rows);
+        writeCsv(out, result.rows, calculations);
     }
     return EXIT_OK;
 }

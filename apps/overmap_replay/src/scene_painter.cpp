@@ -1,5 +1,7 @@
 #include <overmap_replay/scene_painter.h>
 
+#include <lum_calc_extension/calculation_geometry.h>
+
 #include <om_model/calculation.h>
 #include <om_model/car.h>
 #include <om_model/cone.h>
@@ -18,6 +20,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <optional>
 
 namespace overmap_replay {
 
@@ -30,7 +33,6 @@ const QColor ScenePainter::BACKGROUND(247, 247, 242);
 
 namespace {
 
-constexpr double RAD_TO_DEG = 57.29577951308232;
 constexpr double MINIMUM_EXTENT = 20.0; // metres, for scenes of one point
 constexpr int MAXIMUM_SIDE = 16384;     // pixels; beyond that QImage allocations become absurd
 
@@ -69,36 +71,6 @@ QString metresText(double metres)
     if (metres >= 1000.0)
         return QString::number(metres / 1000.0, 'g', 3) + QStringLiteral(" km");
     return QString::number(metres, 'g', 4) + QStringLiteral(" m");
-}
-
-/// The point of @p line nearest to @p point; false for a line without finite points.
-bool nearestOnPolyline(const std::vector<QPointF>& line, const QPointF& point, QPointF& nearest,
-                       double& distance)
-{
-    bool found = false;
-    const auto consider = [&](const QPointF& candidate) {
-        const double d = length(candidate - point);
-        if (!found || d < distance) {
-            nearest = candidate;
-            distance = d;
-            found = true;
-        }
-    };
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        if (!finite(line[i]))
-            continue;
-        consider(line[i]);
-        if (i + 1 >= line.size() || !finite(line[i + 1]))
-            continue;
-        const QPointF d = line[i + 1] - line[i];
-        const double squared = QPointF::dotProduct(d, d);
-        if (squared <= 0.0)
-            continue;
-        const double t = QPointF::dotProduct(point - line[i], d) / squared;
-        if (t > 0.0 && t < 1.0)
-            consider(line[i] + d * t);
-    }
-    return found;
 }
 
 /// Text with a light halo, so that it stays legible over lines and fills.
@@ -192,56 +164,21 @@ std::vector<ScenePainter::TrackShape> ScenePainter::trackShapes() const
         const auto* track = dynamic_cast<const overmap::Track*>(object.get());
         if (track == nullptr || !visible(*track))
             continue;
-        const auto& positions = track->getPositions();
-        // Fewer than two ends, or an end not placed yet (a new track line), make no ribbon.
-        if (positions.size() < 2 ||
-            !std::all_of(positions.begin(), positions.end(), [](const auto& p) { return p.valid(); }))
+        const lum::calc::TrackOutline outline = lum::calc::trackOutline(*track);
+        if (outline.first_edge.size() < 2)
             continue;
         TrackShape shape;
         shape.track = track;
-        // The edges first: with a radius, the plane points rebuild what they need after them.
-        const std::vector<Point2D> first = track->firstEdge();
-        const std::vector<Point2D> second = track->secondEdge();
-        if (first.size() < 2 || second.size() != first.size())
-            continue;
-        if (track->getRadius() != 0.0 && !track->planePoints().empty()) {
-            // An arc: the ribbon's corners and the centre give radius and half width, swept
-            // around the centre as the arc's own corners were made.
-            const Point2D center = track->planePoints().front();
-            const Point2D half_width = (first[0] - second[0]) * 0.5;
-            const Point2D radius = (first[0] + second[0]) * 0.5 - center;
-            const double sweep = track->getArcLength() / track->getRadius() * RAD_TO_DEG;
-            const int steps = std::clamp(static_cast<int>(std::ceil(std::fabs(sweep) / 2.0)), 8, 720);
-            for (int k = 0; k <= steps; ++k) {
-                const double angle = -sweep * k / steps;
-                const Point2D r = radius.rotate(angle);
-                const Point2D w = half_width.rotate(angle);
-                shape.first_edge.push_back(toPicture(center + r + w));
-                shape.second_edge.push_back(toPicture(center + r - w));
-                shape.center_line.push_back(toPicture(center + r));
-            }
-        } else {
-            // A repeated vertex leaves the model's lists not-a-number at it and at the next
-            // one: those vertices are left out, and the ribbon runs straight across them.
-            for (std::size_t i = 0; i < first.size(); ++i) {
-                const QPointF first_point = toPicture(first[i]);
-                const QPointF second_point = toPicture(second[i]);
-                if (!finite(first_point) || !finite(second_point))
-                    continue;
-                shape.first_edge.push_back(first_point);
-                shape.second_edge.push_back(second_point);
-            }
-            for (const Point2D& point : track->centerLine()) {
-                const QPointF center_point = toPicture(point);
-                if (finite(center_point))
-                    shape.center_line.push_back(center_point);
-            }
+        for (std::size_t i = 0; i < outline.first_edge.size() && i < outline.second_edge.size(); ++i) {
+            shape.first_edge.push_back(toPicture(outline.first_edge[i]));
+            shape.second_edge.push_back(toPicture(outline.second_edge[i]));
         }
+        for (const Point2D& point : outline.center_line)
+            shape.center_line.push_back(toPicture(point));
         for (std::size_t i = 1; i < shape.first_edge.size(); ++i) {
             QPolygonF piece;
             piece << shape.first_edge[i - 1] << shape.first_edge[i] << shape.second_edge[i]
                   << shape.second_edge[i - 1];
-            // An arc swept from a not-a-number corner stays out.
             if (std::all_of(piece.begin(), piece.end(), finite))
                 shape.pieces.push_back(piece);
         }
@@ -337,11 +274,11 @@ void ScenePainter::paint(QPainter& painter, const QSize& size) const
         paintGrid(painter, view, size);
     paintTracks(painter, view, tracks);
     paintPaths(painter, view);
-    paintCalculations(painter, view, tracks);
+    paintCalculations(painter, view);
     paintPositionObjects(painter, view);
     paintDecorations(painter, view, size);
     if (m_legend_visible)
-        paintLegend(painter, size, tracks);
+        paintLegend(painter, size);
     painter.restore();
 }
 
@@ -478,106 +415,37 @@ double ScenePainter::carEnlargement(const overmap::PositionObject& car, double m
     return m_minimum_car_length / drawn;
 }
 
-bool ScenePainter::measuredPoint(const overmap::Calculation& calculation, bool from_side,
-                                 const QPointF* other, const std::vector<TrackShape>& tracks,
-                                 QPointF& point) const
+double ScenePainter::calculationValue(const overmap::Calculation& calculation) const
 {
-    const auto& object = from_side ? calculation.getFrom() : calculation.getTo();
-    if (!object || !visible(*object))
+    const auto found = m_calculation_values.find(calculation.getId());
+    return found == m_calculation_values.end() ? NAN : found->second;
+}
+
+bool ScenePainter::calculationLine(const overmap::Calculation& calculation, QPointF& from, QPointF& to) const
+{
+    if (!std::isfinite(calculationValue(calculation)))
         return false;
-    if (const auto* position_object = dynamic_cast<const overmap::PositionObject*>(object.get())) {
-        const bool use_poi = from_side ? calculation.useFromPoi() : calculation.useToPoi();
-        const std::size_t index = from_side ? calculation.getFromPoiIdx() : calculation.getToPoiIdx();
-        Point2D local(0.0, 0.0, position_object->localCoordinateSystem());
-        if (use_poi && index < position_object->poiCount())
-            local = position_object->getPoi(index).position;
-        point = localToPicture(*position_object, local);
-        return finite(point);
-    }
-    for (const TrackShape& shape : tracks) {
-        if (shape.track != object.get())
-            continue;
-        if (other == nullptr) {
-            // Nothing to measure towards: the track's middle stands for it.
-            if (shape.center_line.empty())
-                return false;
-            point = shape.center_line[shape.center_line.size() / 2];
-            return finite(point);
-        }
-        double distance = 0.0;
-        if (calculation.getTrackTarget() == overmap::TrackTarget::EDGE) {
-            QPointF first, second;
-            double first_distance = 0.0, second_distance = 0.0;
-            const bool has_first = nearestOnPolyline(shape.first_edge, *other, first, first_distance);
-            const bool has_second = nearestOnPolyline(shape.second_edge, *other, second, second_distance);
-            if (!has_first && !has_second)
-                return false;
-            point = has_first && (!has_second || first_distance <= second_distance) ? first : second;
-            return true;
-        }
-        return nearestOnPolyline(shape.center_line, *other, point, distance);
-    }
-    return false;
-}
-
-bool ScenePainter::measure(const overmap::Calculation& calculation, MeasuredCalculation& result) const
-{
-    return measure(calculation, trackShapes(), result);
-}
-
-bool ScenePainter::measure(const overmap::Calculation& calculation, const std::vector<TrackShape>& tracks,
-                           MeasuredCalculation& result) const
-{
-    QPointF& from = result.from;
-    QPointF& to = result.to;
-    // A track side is measured towards the other side's point, so that one comes first.
-    if (dynamic_cast<const overmap::Track*>(calculation.getFrom().get()) != nullptr) {
-        QPointF anchor;
-        if (!measuredPoint(calculation, false, nullptr, tracks, anchor) ||
-            !measuredPoint(calculation, true, &anchor, tracks, from) ||
-            !measuredPoint(calculation, false, &from, tracks, to))
-            return false;
-    } else if (!measuredPoint(calculation, true, nullptr, tracks, from) ||
-               !measuredPoint(calculation, false, &from, tracks, to)) {
+    const auto& from_object = calculation.getFrom();
+    const auto& to_object = calculation.getTo();
+    if (!from_object || !to_object || !visible(*from_object) || !visible(*to_object))
         return false;
-    }
-
-    double value = length(to - from);
-    const auto type = calculation.getDistanceType();
-    if (type != overmap::DistanceType::EUCLIDEAN) {
-        // Along the measuring object's own axes: the from side's, else the to side's.
-        const auto* axes = dynamic_cast<const overmap::PositionObject*>(calculation.getFrom().get());
-        if (axes == nullptr)
-            axes = dynamic_cast<const overmap::PositionObject*>(calculation.getTo().get());
-        const bool along_x = type == overmap::DistanceType::X;
-        QPointF axis(along_x ? 1.0 : 0.0, along_x ? 0.0 : 1.0);
-        if (axes != nullptr) {
-            const CoordinateSystem system = axes->localCoordinateSystem();
-            const Point2D unit = along_x ? Point2D(1.0, 0.0, system) : Point2D(0.0, 1.0, system);
-            axis = localToPicture(*axes, unit) - localToPicture(*axes, Point2D(0.0, 0.0, system));
-        }
-        const double axis_length = length(axis);
-        value = axis_length > 0.0 ? QPointF::dotProduct(to - from, axis) / axis_length : 0.0;
-    }
-    if (calculation.getResultTransformation() == overmap::ResultTransformation::ABSOLUTE)
-        value = std::fabs(value);
-    else if (calculation.getResultTransformation() == overmap::ResultTransformation::INVERT)
-        value = -value;
-    result.value = value;
-    return true;
+    const std::optional<lum::calc::Measurement> measurement = lum::calc::measure(calculation);
+    if (!measurement)
+        return false;
+    from = geoToPicture(measurement->from);
+    to = geoToPicture(measurement->to);
+    return finite(from) && finite(to);
 }
 
-void ScenePainter::paintCalculations(QPainter& painter, const QTransform& view,
-                                     const std::vector<TrackShape>& tracks) const
+void ScenePainter::paintCalculations(QPainter& painter, const QTransform& view) const
 {
     painter.save();
     for (const auto& calculation : m_manager.getCalculations()) {
-        MeasuredCalculation measured;
-        if (!measure(*calculation, tracks, measured))
+        QPointF from;
+        QPointF to;
+        if (!calculationLine(*calculation, from, to))
             continue;
-        const QPointF from = measured.from;
-        const QPointF to = measured.to;
-        const double value = measured.value;
+        const double value = calculationValue(*calculation);
         const auto type = calculation->getDistanceType();
 
         // The ends as drawn: on an enlarged car, where its enlarged points stand.
@@ -786,8 +654,7 @@ void ScenePainter::paintDecorations(QPainter& painter, const QTransform& view, c
     painter.restore();
 }
 
-void ScenePainter::paintLegend(QPainter& painter, const QSize& size,
-                               const std::vector<TrackShape>& tracks) const
+void ScenePainter::paintLegend(QPainter& painter, const QSize& size) const
 {
     struct Entry
     {
@@ -805,10 +672,11 @@ void ScenePainter::paintLegend(QPainter& painter, const QSize& size,
                 {QString::fromStdString(car->getName()), QString(), car_colors.at(car->getId()), true});
     }
     for (const auto& calculation : m_manager.getCalculations()) {
-        MeasuredCalculation measured;
-        if (!measure(*calculation, tracks, measured))
+        QPointF from;
+        QPointF to;
+        if (!calculationLine(*calculation, from, to))
             continue;
-        QString value = QString::number(measured.value, 'f', 1) + QStringLiteral(" m");
+        QString value = QString::number(calculationValue(*calculation), 'f', 1) + QStringLiteral(" m");
         if (calculation->getDistanceType() == overmap::DistanceType::X)
             value = QStringLiteral("x ") + value;
         else if (calculation->getDistanceType() == overmap::DistanceType::Y)

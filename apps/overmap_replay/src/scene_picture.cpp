@@ -72,6 +72,7 @@ bool writeScenePicture(const overmap::ObjectManager& manager, const PictureReque
     painter.setTime(request.time);
     painter.setPaths(request.paths);
     painter.setHiddenObjects(request.hidden);
+    painter.setCalculationValues(request.calculation_values);
     painter.setMinimumCarLength(MINIMUM_CAR_SHARE * std::min(request.width, request.height));
     const QImage image = painter.render(QSize(request.width, request.height));
     // Opaque RGB keeps the file at three bytes a pixel before compression.

@@ -4,6 +4,8 @@
 
 #include <math_geo/kml_reader.h>
 
+#include <GeographicLib/Geodesic.hpp>
+
 #include <boost/property_tree/json_parser.hpp>
 #include <boost/property_tree/ptree.hpp>
 
@@ -64,14 +66,32 @@ struct OutputRow
     std::string name;
     double latitude, longitude, heading, x, y;
     int valid;
+    std::vector<std::string> calculations; ///< the fields after valid
 };
 
-std::vector<OutputRow> parseOutput(const std::string& text)
+std::vector<std::string> split(const std::string& line)
 {
+    std::vector<std::string> fields(1);
+    for (char c : line) {
+        if (c == ',')
+            fields.emplace_back();
+        else
+            fields.back() += c;
+    }
+    return fields;
+}
+
+/// The rows; @p calculations, if given, receives the names of the calculation columns.
+std::vector<OutputRow> parseOutput(const std::string& text, std::vector<std::string>* calculations = nullptr)
+{
+    const std::string base = "time,object_id,name,latitude,longitude,heading,x,y,valid";
     std::istringstream in(text);
     std::string line;
     std::getline(in, line);
-    EXPECT_EQ(line, "time,object_id,name,latitude,longitude,heading,x,y,valid");
+    EXPECT_EQ(line.substr(0, base.size()), base);
+    const std::vector<std::string> header = split(line);
+    if (calculations != nullptr)
+        calculations->assign(header.begin() + std::min<std::size_t>(9, header.size()), header.end());
     std::vector<OutputRow> rows;
     while (std::getline(in, line)) {
         OutputRow row{};
@@ -81,6 +101,9 @@ std::vector<OutputRow> parseOutput(const std::string& text)
                         &row.latitude, &row.longitude, &row.heading, &row.x, &row.y, &row.valid);
         EXPECT_EQ(fields, 9) << line;
         row.name = name;
+        const std::vector<std::string> all = split(line);
+        EXPECT_EQ(all.size(), header.size()) << line;
+        row.calculations.assign(all.begin() + std::min<std::size_t>(9, all.size()), all.end());
         rows.push_back(row);
     }
     return rows;
@@ -147,6 +170,55 @@ TEST(ReplayTool, TwoCarsFollowTheirRecordingsAlignedByStartTime)
     }
     EXPECT_EQ(rows[1].id, 2);
     EXPECT_EQ(rows[1].valid, 0) << "car2 starts 10 s after car1";
+}
+
+/// A point of a car's frame (x forward, y left, metres from its antenna) on the globe.
+std::pair<double, double> carPoint(const PlainRow& antenna, double x, double y)
+{
+    double latitude = 0.0, longitude = 0.0;
+    GeographicLib::Geodesic::WGS84().Direct(antenna.latitude, antenna.longitude,
+                                            antenna.heading + std::atan2(-y, x) * 180.0 / M_PI,
+                                            std::hypot(x, y), latitude, longitude);
+    return {latitude, longitude};
+}
+
+TEST(ReplayTool, TheExampleSetupsCalculationsAreColumnsNamedByTheirResultChannels)
+{
+    const auto car1 = readPlainCsv(RECORDINGS + "car1_drive_100hz.csv");
+    const auto car2 = readPlainCsv(RECORDINGS + "car2_drive_100hz.csv");
+    const ToolRun result =
+        runTool({"--setup", LUMERO_EXAMPLES_DIR "/setups/proving_ground.xml", "--data",
+                 RECORDINGS + "car1_drive_100hz.csv", "--data", RECORDINGS + "car2_drive_100hz.csv", "--at",
+                 "20", "--at", "65", "--at", "200"});
+    ASSERT_EQ(result.code, 0) << result.err;
+    std::vector<std::string> names;
+    const auto rows = parseOutput(result.out, &names);
+    EXPECT_EQ(names,
+              (std::vector<std::string>{"Gap car 1 front to car 2 front", "Car 1 lateral offset to loop",
+                                        "Car 1 front left to loop edge", "Car 2 to hairpin",
+                                        "Car 1 to first cone", "Base GPS to start straight"}));
+    std::map<double, std::vector<std::string>> by_time;
+    for (const OutputRow& row : rows) {
+        SCOPED_TRACE(row.name + " at " + std::to_string(row.time));
+        ASSERT_EQ(row.calculations.size(), 6u);
+        EXPECT_EQ(row.calculations, by_time.emplace(row.time, row.calculations).first->second)
+            << "the rows of a time share its values";
+        if (row.time == 200.0) {
+            // Car 1's recording has ended: no value for what it takes part in; car 2 drives on.
+            EXPECT_EQ(row.calculations[0], "");
+            EXPECT_EQ(row.calculations[4], "");
+            EXPECT_NE(row.calculations[3], "");
+            continue;
+        }
+        // Front (2.35, 0) of each car, whose antennas sit 0.45 m and 0.6 m behind it and
+        // car 2's also 0.1 m to the left.
+        const auto front1 = carPoint(*rowAt(car1, row.time), 2.35 + 0.45, 0.0);
+        const auto front2 = carPoint(*rowAt(car2, row.time), 2.35 + 0.6, -0.1);
+        double gap = 0.0;
+        GeographicLib::Geodesic::WGS84().Inverse(front1.first, front1.second, front2.first, front2.second,
+                                                 gap);
+        EXPECT_NEAR(std::stod(row.calculations[0]), gap, 2e-3);
+    }
 }
 
 TEST(ReplayTool, TheExampleSetupDrivesItsCarsFromBothRecordings)

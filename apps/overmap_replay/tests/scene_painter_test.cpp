@@ -327,7 +327,7 @@ TEST_F(SceneFixture, APathIsDrawnUpToTheDisplayTimeOnly)
     EXPECT_EQ(pixel(image, painter, 8.0, -5.0), ScenePainter::BACKGROUND) << "driven after the time";
 }
 
-TEST_F(SceneFixture, ACalculationIsADashedLineBetweenItsMeasuredPoints)
+TEST_F(SceneFixture, ACalculationIsADashedLineBetweenItsMeasuredPointsWithTheValueItIsGiven)
 {
     const auto car = addCar(0.0, 0.0, 0.0);
     const auto cone = addCone(0.0, 22.0);
@@ -338,10 +338,13 @@ TEST_F(SceneFixture, ACalculationIsADashedLineBetweenItsMeasuredPoints)
     m_manager.addCalculation(calculation);
     ScenePainter painter(m_manager);
 
-    overmap_replay::MeasuredCalculation measured;
-    ASSERT_TRUE(painter.measure(*calculation, measured));
-    EXPECT_NEAR(measured.from.y(), 2.0, 1e-3);
-    EXPECT_NEAR(measured.value, 20.0, 1e-3);
+    QPointF from, to;
+    EXPECT_FALSE(painter.calculationLine(*calculation, from, to)) << "no value from its channel: not drawn";
+    const QImage without = render(painter);
+    painter.setCalculationValues({{calculation->getId(), 20.0}});
+    ASSERT_TRUE(painter.calculationLine(*calculation, from, to));
+    EXPECT_NEAR(from.y(), 2.0, 1e-3);
+    EXPECT_NEAR(to.y(), 22.0, 1e-3);
 
     const QImage image = render(painter);
     int on = 0;
@@ -351,40 +354,13 @@ TEST_F(SceneFixture, ACalculationIsADashedLineBetweenItsMeasuredPoints)
             ++off;
         else
             ++on;
+        EXPECT_EQ(pixel(without, painter, 0.0, north), ScenePainter::BACKGROUND);
     }
     EXPECT_GT(on, 10) << "drawn along the line";
     EXPECT_GT(off, 10) << "with gaps: dashed";
 }
 
-TEST_F(SceneFixture, DistancesAlongAnAxisFollowTheMeasuringObjectAndTheTransformation)
-{
-    const auto car = addCar(0.0, 0.0, 0.0);
-    const auto cone = addCone(3.0, 22.0);
-    overmap::Calculation calculation;
-    calculation.setFrom(car);
-    calculation.setFromPoiIdx(0);
-    calculation.setTo(cone);
-    ScenePainter painter(m_manager);
-    overmap_replay::MeasuredCalculation measured;
-
-    ASSERT_TRUE(painter.measure(calculation, measured));
-    EXPECT_NEAR(measured.value, std::hypot(3.0, 22.0), 1e-3);
-    calculation.setDistanceType(overmap::DistanceType::X);
-    ASSERT_TRUE(painter.measure(calculation, measured));
-    EXPECT_NEAR(measured.value, 22.0, 1e-3) << "along the car, which faces north";
-    calculation.setDistanceType(overmap::DistanceType::Y);
-    ASSERT_TRUE(painter.measure(calculation, measured));
-    EXPECT_NEAR(std::fabs(measured.value), 3.0, 1e-3) << "across the car";
-    const double across = measured.value;
-    calculation.setResultTransformation(overmap::ResultTransformation::INVERT);
-    ASSERT_TRUE(painter.measure(calculation, measured));
-    EXPECT_NEAR(measured.value, -across, 1e-9);
-    calculation.setResultTransformation(overmap::ResultTransformation::ABSOLUTE);
-    ASSERT_TRUE(painter.measure(calculation, measured));
-    EXPECT_NEAR(measured.value, 3.0, 1e-3);
-}
-
-TEST_F(SceneFixture, ATrackIsMeasuredAtItsNearestPoint)
+TEST_F(SceneFixture, ATrackIsMeasuredAtItsNearestPointAndAHiddenSideIsNotDrawn)
 {
     const auto cone = addCone(5.0, 10.0);
     auto line = std::make_shared<overmap::TrackLine>(m_manager.getReferencePlane());
@@ -396,17 +372,20 @@ TEST_F(SceneFixture, ATrackIsMeasuredAtItsNearestPoint)
     calculation.setFrom(cone);
     calculation.setTo(line);
     ScenePainter painter(m_manager);
-    overmap_replay::MeasuredCalculation measured;
-    ASSERT_TRUE(painter.measure(calculation, measured));
-    EXPECT_NEAR(measured.to.x(), 5.0, 1e-3);
-    EXPECT_NEAR(measured.to.y(), 0.0, 1e-3);
-    EXPECT_NEAR(measured.value, 10.0, 1e-3);
+    painter.setCalculationValues({{calculation.getId(), 10.0}});
+    QPointF from, to;
+    ASSERT_TRUE(painter.calculationLine(calculation, from, to));
+    EXPECT_NEAR(to.x(), 5.0, 1e-3);
+    EXPECT_NEAR(to.y(), 0.0, 1e-3);
     calculation.setTrackTarget(overmap::TrackTarget::EDGE);
-    ASSERT_TRUE(painter.measure(calculation, measured));
-    EXPECT_NEAR(measured.value, 8.0, 1e-3) << "the nearer edge, half the width closer";
+    ASSERT_TRUE(painter.calculationLine(calculation, from, to));
+    EXPECT_NEAR(to.y(), 2.0, 1e-3) << "the nearer edge";
 
+    painter.setHiddenObjects({line->getId()});
+    EXPECT_FALSE(painter.calculationLine(calculation, from, to));
+    painter.setHiddenObjects({});
     calculation.setTo(nullptr);
-    EXPECT_FALSE(painter.measure(calculation, measured));
+    EXPECT_FALSE(painter.calculationLine(calculation, from, to));
 }
 
 } // namespace

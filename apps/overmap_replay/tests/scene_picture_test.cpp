@@ -188,9 +188,10 @@ TEST(DefaultScene, CarsFaceWhereTheRecordingHeadsInColoursOfTheirOwn)
     nose.setTo(car);
     nose.setToPoiIdx(2);
     overmap_replay::ScenePainter painter(manager);
-    overmap_replay::MeasuredCalculation measured;
-    ASSERT_TRUE(painter.measure(nose, measured));
-    const QPointF ahead = measured.to - measured.from;
+    painter.setCalculationValues({{nose.getId(), 2.0}});
+    QPointF from, to;
+    ASSERT_TRUE(painter.calculationLine(nose, from, to));
+    const QPointF ahead = to - from;
     const double bearing = std::atan2(ahead.x(), ahead.y()) * 180.0 / M_PI;
     EXPECT_NEAR(bearing, 138.5, 0.5) << "clockwise from north, as the recording counts";
 

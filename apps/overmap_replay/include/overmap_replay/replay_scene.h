@@ -6,9 +6,14 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
+
+namespace ferrin {
+class ScalarChannel;
+}
 
 namespace overmap_replay {
 
@@ -52,8 +57,18 @@ ReplayResult replayScene(overmap::ObjectManager& manager, const std::vector<doub
 /// they stand where they stood before.
 std::set<std::int32_t> placeScene(overmap::ObjectManager& manager, double time);
 
-/// Header "time,object_id,name,latitude,longitude,heading,x,y,valid", then the rows.
-void writeCsv(std::ostream& out, const std::vector<ReplayRow>& rows);
+/// A column of calculation results beside the rows: the result channel of a calculation.
+struct CalculationColumn
+{
+    std::int32_t calculation_id = 0;
+    std::shared_ptr<ferrin::ScalarChannel> channel;
+};
+
+/// Header "time,object_id,name,latitude,longitude,heading,x,y,valid", then one column per
+/// calculation named by its result channel; then the rows. A calculation's field holds its
+/// channel's value at the row's time in metres, and is empty where the channel has none.
+void writeCsv(std::ostream& out, const std::vector<ReplayRow>& rows,
+              const std::vector<CalculationColumn>& calculations = {});
 /// One Placemark with a LineString per path; paths without positions are left out.
 /// False with @p error set when the file cannot be written.
 bool writeKml(const std::string& path, const std::vector<ObjectPath>& paths, std::string& error);

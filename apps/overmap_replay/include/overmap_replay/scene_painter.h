@@ -38,16 +38,6 @@ struct DrivenPath
     std::vector<math_geo::GeoPosition> positions; ///< one per time
 };
 
-/// A calculation as the picture shows it: between its two measured points, picture frame.
-struct MeasuredCalculation
-{
-    QPointF from;
-    QPointF to;
-    /// Metres: the distance, or along X or Y of the measuring object's own axes, with the
-    /// result transformation applied.
-    double value = 0.0;
-};
-
 /// Draws a scene top-down into a QPainter, as it stands now: the caller brings the
 /// objects to the display time first. The picture lies in the scene's reference plane,
 /// with the plane's forward axis up when its rotation is 0 (north up), one metre the same
@@ -85,6 +75,12 @@ public:
     void setGridVisible(bool visible) { m_grid_visible = visible; }
     /// The key of cars and distances in the top right corner; on at first.
     void setLegendVisible(bool visible) { m_legend_visible = visible; }
+    /// The values of the calculations at the picture's time, metres by calculation id, as
+    /// their result channels give them. A calculation without a value here is not drawn.
+    void setCalculationValues(std::map<std::int32_t, double> values)
+    {
+        m_calculation_values = std::move(values);
+    }
 
     /// A point of the reference plane, in the plane's own axis convention, in the picture frame.
     static QPointF toPicture(const math_geo::Point2D& plane_point);
@@ -98,10 +94,9 @@ public:
     /// on both axes, a margin all round.
     QTransform viewTransform(const QSize& size) const;
 
-    /// Where @p calculation measures: at the chosen POI of a position object (else at its
-    /// reference point), on a track at the point of its centre line (or nearer edge) nearest
-    /// to the other side. False when a side is missing, hidden or has no shape.
-    bool measure(const overmap::Calculation& calculation, MeasuredCalculation& result) const;
+    /// Where a calculation with a value is drawn, picture frame: between the points that it
+    /// measures. False when it has no value or a side is missing, hidden or has no shape.
+    bool calculationLine(const overmap::Calculation& calculation, QPointF& from, QPointF& to) const;
 
     /// Draws the whole picture into the rectangle (0, 0, size) of @p painter.
     void paint(QPainter& painter, const QSize& size) const;
@@ -115,20 +110,16 @@ private:
     bool visible(const overmap::GeoObject& object) const;
     /// A local point of @p object in the picture frame, with the object's heading applied.
     QPointF localToPicture(const overmap::PositionObject& object, const math_geo::Point2D& local) const;
-    /// The point a calculation measures at on @p object, towards @p other (for tracks).
-    bool measuredPoint(const overmap::Calculation& calculation, bool from_side, const QPointF* other,
-                       const std::vector<TrackShape>& tracks, QPointF& point) const;
-    bool measure(const overmap::Calculation& calculation, const std::vector<TrackShape>& tracks,
-                 MeasuredCalculation& result) const;
+    /// The value of @p calculation, NaN for none.
+    double calculationValue(const overmap::Calculation& calculation) const;
 
     void paintGrid(QPainter& painter, const QTransform& view, const QSize& size) const;
     void paintTracks(QPainter& painter, const QTransform& view, const std::vector<TrackShape>& tracks) const;
     void paintPaths(QPainter& painter, const QTransform& view) const;
-    void paintCalculations(QPainter& painter, const QTransform& view,
-                           const std::vector<TrackShape>& tracks) const;
+    void paintCalculations(QPainter& painter, const QTransform& view) const;
     void paintPositionObjects(QPainter& painter, const QTransform& view) const;
     void paintDecorations(QPainter& painter, const QTransform& view, const QSize& size) const;
-    void paintLegend(QPainter& painter, const QSize& size, const std::vector<TrackShape>& tracks) const;
+    void paintLegend(QPainter& painter, const QSize& size) const;
     /// The factor by which @p car is enlarged on a view of @p metres_to_pixels.
     double carEnlargement(const overmap::PositionObject& car, double metres_to_pixels) const;
     QColor objectColor(const overmap::GeoObject& object) const;
@@ -145,6 +136,7 @@ private:
     double m_minimum_car_length = 0.0;
     bool m_grid_visible = true;
     bool m_legend_visible = true;
+    std::map<std::int32_t, double> m_calculation_values;
 };
 
 } // namespace overmap_replay

@@ -2,6 +2,7 @@
 
 #include <overmap_replay/scene_painter.h>
 
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -26,6 +27,8 @@ struct PictureRequest
     double time = 0.0; ///< display time, seconds
     std::vector<DrivenPath> paths;
     std::set<std::int32_t> hidden; ///< object ids left out
+    /// Metres by calculation id, from the calculations' result channels at the time.
+    std::map<std::int32_t, double> calculation_values;
 };
 
 /// Draws @p manager as it stands into a PNG file; cars too small to see are drawn larger.
