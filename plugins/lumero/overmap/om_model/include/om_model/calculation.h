@@ -6,9 +6,6 @@
 
 namespace overmap {
 
-/// Local id of the host's result channel of calculation 0; calculation n has this plus n, on the extension's node.
-inline constexpr std::uint32_t CALCULATION_RESULT_LOCAL_ID_BASE = 0x40000000u;
-
 class GeoObject;
 
 /// The host's calculation extension gives the result channel of calculation n the local id BASE + n.
