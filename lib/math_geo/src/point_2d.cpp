@@ -49,13 +49,15 @@ void Point2D::toCoordSystem(CoordinateSystem target)
 
 Point2D Point2D::rotate(double degrees) const
 {
-    double a = degrees * earth::DEG_TO_RAD;
+    const double a = degrees * earth::DEG_TO_RAD;
+    return rotateByCosSin(std::cos(a), std::sin(a));
+}
+
+Point2D Point2D::rotateByCosSin(double cos_angle, double sin_angle) const
+{
     // DIN 70000 counts angles the other way; X_FRONT_Y_LEFT, with the same axes, does not.
-    if (m_coordinate_system == CoordinateSystem::DIN70000)
-        a = -a;
-    const double c = std::cos(a);
-    const double s = std::sin(a);
-    return Point2D(x * c - y * s, y * c + x * s, m_coordinate_system);
+    const double s = m_coordinate_system == CoordinateSystem::DIN70000 ? -sin_angle : sin_angle;
+    return Point2D(x * cos_angle - y * s, y * cos_angle + x * s, m_coordinate_system);
 }
 
 double Point2D::angleTo(const Point2D& p2) const

@@ -24,6 +24,20 @@ ProjectionPlane::ProjectionPlane(const GeoPosition& center, double rotation,
     : m_rotation(rotation), m_xy_coordinate_system(coordinate_system)
 {
     setCenter(center);
+    cacheRotation();
+}
+
+void ProjectionPlane::setRotation(double degrees)
+{
+    m_rotation = degrees;
+    cacheRotation();
+}
+
+void ProjectionPlane::cacheRotation()
+{
+    const double a = m_rotation * earth::DEG_TO_RAD;
+    m_rotation_cos = std::cos(a);
+    m_rotation_sin = std::sin(a);
 }
 
 void ProjectionPlane::setCenter(const GeoPosition& center)
@@ -42,12 +56,13 @@ Point2D ProjectionPlane::toPlane(const GeoPosition& position) const
     const double east = (position.longitude - m_center.longitude) * m_longitude_scale;
     Point2D p(east, north, CoordinateSystem::X_RIGHT_Y_FRONT);
     p.toCoordSystem(m_xy_coordinate_system);
-    return p.rotate(m_rotation);
+    return p.rotateByCosSin(m_rotation_cos, m_rotation_sin);
 }
 
 GeoPosition ProjectionPlane::toGeoPosition(const Point2D& point) const
 {
-    Point2D q = point.rotate(-m_rotation);
+    // cos(-a) = cos(a), sin(-a) = -sin(a), to the last bit.
+    Point2D q = point.rotateByCosSin(m_rotation_cos, -m_rotation_sin);
     q.toCoordSystem(CoordinateSystem::X_RIGHT_Y_FRONT);
     const double longitude = q.x / m_longitude_scale + m_center.longitude;
     const double latitude = q.y / m_latitude_scale + m_center.latitude;
@@ -58,12 +73,12 @@ void ProjectionPlane::defineByPoints(const Point2D& xy1, const Point2D& xy2, con
                                      const GeoPosition& geo2)
 {
     setCenter(geo1);
-    m_rotation = 0.0;
+    setRotation(0.0);
     const Point2D axis(1.0, 0.0, xy1.getCoordinateSystem());
     // Direction of the pair in the plane's picture, and the same direction on the globe.
     const double picture_angle = axis.angleTo(xy2 - xy1);
     const double globe_angle = axis.angleTo(toPlane(geo2) - toPlane(geo1));
-    m_rotation = wrapToRange(picture_angle - globe_angle, 0.0, 360.0);
+    setRotation(wrapToRange(picture_angle - globe_angle, 0.0, 360.0));
     // Coarse origin with the scales of geo1, then one pass to remove the error that the change of
     // scale with the new centre left.
     setCenter(toGeoPosition(-xy1));

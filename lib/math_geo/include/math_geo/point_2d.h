@@ -42,6 +42,8 @@ public:
     /// The point rotated counter-clockwise by @p degrees, in the same system; in DIN70000 the
     /// rotation runs the other way.
     Point2D rotate(double degrees) const;
+    /// As rotate, with the angle's cosine and sine already known (a plane's fixed rotation).
+    Point2D rotateByCosSin(double cos_angle, double sin_angle) const;
 
     /// Signed angle in degrees from this vector to @p p2, positive counter-clockwise. Not-a-number
     /// when either has zero length.

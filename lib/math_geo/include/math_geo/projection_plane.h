@@ -25,7 +25,7 @@ public:
     GeoPosition getCenter() const { return m_center; }
 
     /// @param degrees rotation of the plane's picture, stored as given (not normalised)
-    void setRotation(double degrees) { m_rotation = degrees; }
+    void setRotation(double degrees);
     double getRotation() const { return m_rotation; }
 
     void setXYCoordinateSystem(CoordinateSystem system) { m_xy_coordinate_system = system; }
@@ -52,8 +52,14 @@ public:
     bool operator!=(const ProjectionPlane& other) const;
 
 private:
+    /// Every vertex of every frame is turned by the same angle: its cosine and sine are
+    /// taken once, when the rotation changes.
+    void cacheRotation();
+
     GeoPosition m_center;
     double m_rotation = 0.0;
+    double m_rotation_cos = 1.0;
+    double m_rotation_sin = 0.0;
     double m_latitude_scale = 1.0;
     double m_longitude_scale = 1.0;
     CoordinateSystem m_xy_coordinate_system = CoordinateSystem::X_RIGHT_Y_FRONT;
