@@ -1,0 +1,221 @@
+// The host in a real window (run under xvfb-run): the example scene at 65 s, the
+// plug-in taken from its built file, the properties page, new recordings and failures.
+
+#include <lumero_app/lumero_host.h>
+
+#include <instrument_interface/instrument_model.h>
+#include <qchannel/qchannel_list_model.h>
+
+#include <uni_testing/qt_message_capture.h>
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+// Sanitizer builds under software OpenGL are slow to start.
+constexpr int READY_TIMEOUT_MS = 120'000;
+
+lum::HostOptions exampleOptions()
+{
+    lum::HostOptions options;
+    options.setup_path = QStringLiteral(LUMERO_EXAMPLES_DIR "/setups/proving_ground.xml");
+    options.data_paths = QStringList{QStringLiteral(LUMERO_EXAMPLES_DIR "/recordings/car1_drive_100hz.csv"),
+                                     QStringLiteral(LUMERO_EXAMPLES_DIR "/recordings/car2_drive_100hz.csv")};
+    options.time = 65.0;
+    options.window_size = QSize(1200, 750);
+    return options;
+}
+
+int objectCount(QObject* instrument)
+{
+    auto* model = instrument->property("geoModel").value<QObject*>();
+    auto* manager = model ? model->property("objectsManager").value<QObject*>() : nullptr;
+    auto* all = manager ? manager->property("allObjects").value<QObject*>() : nullptr;
+    return all ? all->property("count").toInt() : -1;
+}
+
+void saveGrab(const QImage& picture, const QString& name)
+{
+    QDir().mkpath(QStringLiteral(LUMERO_GRAB_DIR));
+    EXPECT_TRUE(picture.save(QStringLiteral(LUMERO_GRAB_DIR "/") + name)) << name.toStdString();
+}
+
+bool waitForFirstFrame(lum::LumeroHost& host)
+{
+    bool seen = false;
+    QObject::connect(&host, &lum::LumeroHost::firstFrame, &host, [&seen] { seen = true; });
+    return QTest::qWaitFor([&] { return host.isReady(); }, READY_TIMEOUT_MS) &&
+           QTest::qWaitFor([&] { return seen; }, READY_TIMEOUT_MS);
+}
+
+TEST(HostWindow, ShowsTheExampleAtSixtyFiveSecondsFromTheBuiltPlugin)
+{
+    lum::LumeroHost host(exampleOptions());
+    ASSERT_TRUE(host.start());
+    ASSERT_TRUE(waitForFirstFrame(host)) << host.errorText().toStdString();
+    EXPECT_EQ(host.errorText(), QString());
+
+    // The instrument comes from the file the build made, not from anything linked in.
+    EXPECT_EQ(QFileInfo(host.pluginFile()).canonicalFilePath(),
+              QFileInfo(QStringLiteral(OVERMAP_PLUGIN_FILE)).canonicalFilePath());
+    im::InstrumentModel* instrument = host.instrument();
+    ASSERT_NE(instrument, nullptr);
+    EXPECT_EQ(instrument->getType(), "lum::overmap");
+    EXPECT_EQ(objectCount(instrument), 19);
+    EXPECT_EQ(instrument->getDataWindows().size(), 8u) << "the recordings' channels are bound";
+    EXPECT_GT(host.application()->getChannels()->rowCount(), 0);
+
+    EXPECT_EQ(host.timeBar()->time(), 65.0);
+    EXPECT_EQ(host.timeBar()->timeText(), QStringLiteral("1:05.00"));
+    EXPECT_EQ(host.application()->getState()->displayedTime(), 65.0);
+    EXPECT_EQ(host.application()->getState()->mode(), lum::IfApplicationState::REPLAY);
+    EXPECT_EQ(host.application()->getState()->measurementName(),
+              QStringLiteral("car1_drive_100hz, car2_drive_100hz"));
+    EXPECT_GT(host.timeBar()->end(), 65.0);
+    EXPECT_NEAR(host.timeBar()->step(), 0.01, 1e-12) << "100 Hz recordings step by 10 ms";
+
+    // The view and the page are loaded by their URLs and given the instrument.
+    QObject* view = host.viewItem();
+    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(view->property("instrumentModel").value<QObject*>(), instrument);
+    if (view->metaObject()->indexOfProperty("displayedTime") >= 0) {
+        EXPECT_EQ(view->property("displayedTime").toDouble(), 65.0);
+        EXPECT_EQ(instrument->property("geoModel").value<QObject*>()->property("displayTime").toDouble(),
+                  65.0);
+    }
+    ASSERT_NE(host.propertiesItem(), nullptr);
+
+    const QImage picture = host.grab();
+    ASSERT_FALSE(picture.isNull());
+    EXPECT_EQ(picture.size(), QSize(1200, 750) * host.window()->devicePixelRatio());
+    saveGrab(picture, QStringLiteral("host_example_65s.png"));
+}
+
+TEST(HostWindow, DoubleClickActionTogglesThePropertiesPage)
+{
+    lum::LumeroHost host(exampleOptions());
+    ASSERT_TRUE(host.start());
+    ASSERT_TRUE(waitForFirstFrame(host));
+    auto* page = qobject_cast<QQuickItem*>(host.window()->findChild<QObject*>("instrumentPropertiesLoader"));
+    ASSERT_NE(page, nullptr);
+    EXPECT_TRUE(page->isVisible());
+    // The views reach the action through the context object "actions".
+    QObject* context_actions = nullptr;
+    for (QObject* child : host.children()) {
+        if (qobject_cast<lum::HostActions*>(child) != nullptr)
+            context_actions = child;
+    }
+    ASSERT_NE(context_actions, nullptr);
+    QMetaObject::invokeMethod(context_actions, "toggleInstrumentProperties");
+    EXPECT_FALSE(page->isVisible());
+    auto* view = qobject_cast<QQuickItem*>(host.viewItem());
+    ASSERT_NE(view, nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view->width() > 1100; }, 5000))
+        << "the view takes the page's room, width " << view->width();
+    QMetaObject::invokeMethod(context_actions, "toggleInstrumentProperties");
+    EXPECT_TRUE(page->isVisible());
+}
+
+TEST(HostWindow, NewRecordingsKeepTheInstrumentsSettings)
+{
+    lum::HostOptions options = exampleOptions();
+    options.time.reset();
+    lum::LumeroHost host(options);
+    ASSERT_TRUE(host.start());
+    ASSERT_TRUE(waitForFirstFrame(host));
+    QPointer<im::InstrumentModel> first = host.instrument();
+    ASSERT_TRUE(first->setProperty("zoomFactor", 2.5));
+    ASSERT_TRUE(first->setProperty("filteredObjects", QStringLiteral("2")));
+    host.timeBar()->setTime(30.0);
+
+    QSignalSpy ready(&host, &lum::LumeroHost::ready);
+    ASSERT_TRUE(ready.isValid());
+    host.openRecordings(QStringList{options.data_paths.at(1)});
+    EXPECT_TRUE(host.isLoading());
+    ASSERT_TRUE(ready.wait(READY_TIMEOUT_MS));
+    ASSERT_NE(host.instrument(), nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return first.isNull(); }, 5000)) << "the old instrument is gone";
+    im::InstrumentModel* second = host.instrument();
+    EXPECT_EQ(second->property("zoomFactor").toDouble(), 2.5);
+    EXPECT_EQ(second->property("filteredObjects").toString(), QStringLiteral("2"));
+    EXPECT_EQ(host.application()->getState()->measurementName(), QStringLiteral("car2_drive_100hz"));
+    EXPECT_EQ(host.timeBar()->time(), 30.0);
+    EXPECT_EQ(host.viewItem()->property("instrumentModel").value<QObject*>(), second);
+}
+
+TEST(HostWindow, AnUnreadableRecordingLeavesTheSetupShown)
+{
+    lum::HostOptions options = exampleOptions();
+    options.data_paths = QStringList{QStringLiteral(LUMERO_EXAMPLES_DIR "/recordings/no_such_drive.csv")};
+    lum::LumeroHost host(options);
+    uni_testing::QtMessageCapture capture; // the setup's channels are missing: the model says so
+    ASSERT_TRUE(host.start());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return host.isReady(); }, READY_TIMEOUT_MS));
+    EXPECT_TRUE(host.errorText().startsWith(QStringLiteral("Cannot open the recordings: ")))
+        << host.errorText().toStdString();
+    ASSERT_NE(host.instrument(), nullptr);
+    EXPECT_EQ(objectCount(host.instrument()), 19);
+    EXPECT_EQ(host.application()->getChannels()->rowCount(), 0);
+}
+
+TEST(HostWindow, AFolderWithoutAnInstrumentPluginIsReported)
+{
+    QTemporaryDir folder;
+    ASSERT_TRUE(folder.isValid());
+    // A file that looks like a plug-in and is not, beside a text file.
+    for (const char* name : {"libovermap_instrument.so", "README.txt"}) {
+        QFile file(folder.filePath(QString::fromLatin1(name)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("not a library");
+    }
+    lum::HostOptions options = exampleOptions();
+    options.plugin_folder = folder.path();
+    lum::LumeroHost host(options);
+    uni_testing::QtMessageCapture capture;
+    ASSERT_TRUE(host.start()) << "the window shows even without an instrument";
+    EXPECT_TRUE(host.errorText().startsWith(QStringLiteral("No instrument plug-in for lum::overmap in ")))
+        << host.errorText().toStdString();
+    EXPECT_TRUE(host.errorText().contains(QStringLiteral("libovermap_instrument.so (not a plug-in)")))
+        << host.errorText().toStdString();
+    EXPECT_FALSE(host.errorText().contains(QStringLiteral("README")));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !host.isLoading(); }, READY_TIMEOUT_MS));
+    QTest::qWait(50);
+    EXPECT_EQ(host.instrument(), nullptr);
+    EXPECT_EQ(host.viewItem(), nullptr);
+}
+
+TEST(HostWindow, SavingWritesTheSetupAndNeedsAFile)
+{
+    QTemporaryDir folder;
+    ASSERT_TRUE(folder.isValid());
+    lum::HostOptions options;
+    options.window_size = QSize(800, 600);
+    lum::LumeroHost host(options);
+    uni_testing::QtMessageCapture capture;
+    ASSERT_TRUE(host.start());
+    EXPECT_FALSE(host.saveSetup());
+    EXPECT_TRUE(host.errorText().contains(QStringLiteral("Save setup as")));
+    ASSERT_TRUE(host.openSetup(QStringLiteral(LUMERO_EXAMPLES_DIR "/setups/proving_ground.xml")));
+    const QString copy = folder.filePath("copy.xml");
+    ASSERT_TRUE(host.saveSetupAs(copy));
+    EXPECT_EQ(host.setupFile(), copy);
+    QFile original(QStringLiteral(LUMERO_EXAMPLES_DIR "/setups/proving_ground.xml"));
+    QFile saved(copy);
+    ASSERT_TRUE(original.open(QIODevice::ReadOnly));
+    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(saved.readAll(), original.readAll()) << "an unchanged setup is saved as it was read";
+    EXPECT_FALSE(host.openSetup(folder.filePath("absent.xml")));
+    EXPECT_TRUE(host.errorText().startsWith(QStringLiteral("Cannot open the setup ")))
+        << host.errorText().toStdString();
+}
+
+} // namespace
