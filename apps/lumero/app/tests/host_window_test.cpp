@@ -13,6 +13,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QQmlContext>
+#include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QSignalSpy>
@@ -191,6 +193,39 @@ TEST(HostWindow, AFolderWithoutAnInstrumentPluginIsReported)
     QTest::qWait(50);
     EXPECT_EQ(host.instrument(), nullptr);
     EXPECT_EQ(host.viewItem(), nullptr);
+}
+
+TEST(HostWindow, TheTileFolderIsRememberedAndRemakesTheView)
+{
+    QTemporaryDir tiles;
+    QTemporaryDir other_tiles;
+    ASSERT_TRUE(tiles.isValid() && other_tiles.isValid());
+    lum::HostOptions options = exampleOptions();
+    options.data_paths.clear();
+    options.tile_folder = tiles.path();
+    {
+        lum::LumeroHost host(options);
+        uni_testing::QtMessageCapture capture; // no recordings: the setup's channels are missing
+        ASSERT_TRUE(host.start());
+        ASSERT_TRUE(QTest::qWaitFor([&] { return host.viewItem() != nullptr; }, READY_TIMEOUT_MS));
+        const QString context_folder = qmlContext(host.window())->contextProperty("mapTileFolder").toString();
+        EXPECT_EQ(context_folder, QFileInfo(tiles.path()).absoluteFilePath());
+        QPointer<QObject> first_view = host.viewItem();
+        QSignalSpy remade(&host, &lum::LumeroHost::viewGenerationChanged);
+        ASSERT_TRUE(remade.isValid());
+        host.setTileFolder(other_tiles.path());
+        EXPECT_EQ(remade.count(), 1);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return first_view.isNull(); }, 5000)) << "the old view is gone";
+        ASSERT_NE(host.viewItem(), nullptr);
+        EXPECT_EQ(host.viewItem()->property("instrumentModel").value<QObject*>(), host.instrument());
+        EXPECT_EQ(qmlContext(host.window())->contextProperty("mapTileFolder").toString(), other_tiles.path());
+        host.setTileFolder(other_tiles.path());
+        EXPECT_EQ(remade.count(), 1) << "the same folder remakes nothing";
+    }
+    // The next start without the option finds the folder in the settings.
+    options.tile_folder.clear();
+    lum::LumeroHost again(options);
+    EXPECT_EQ(again.tileFolder(), other_tiles.path());
 }
 
 TEST(HostWindow, SavingWritesTheSetupAndNeedsAFile)
