@@ -69,6 +69,9 @@ INSTANTIATE_TEST_SUITE_P(
                         o.grab_delay_ms = 0;
                         o.window_size = QSize(200, 8192);
                     })},
+        AcceptedRow{"longest_grab_delay", {"--grab-delay", "600000"}, with([](lum::HostOptions& o) {
+                        o.grab_delay_ms = 600'000;
+                    })},
         AcceptedRow{"start_up_measurement",
                     {"--report-startup", "--quit-after-first-frame"},
                     with([](lum::HostOptions& o) {

@@ -4,15 +4,23 @@
 #include <lumero_app/lumero_host.h>
 
 #include <instrument_interface/instrument_model.h>
+#include <om_ui/object_lists.h>
+#include <om_ui/overmap_model.h>
+#include <om_ui/qobject_manager.h>
+#include <om_ui/qposition_object.h>
+#include <om_ui/viewport.h>
 #include <qchannel/qchannel_list_model.h>
 
 #include <uni_testing/qt_message_capture.h>
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QGeoCoordinate>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -100,6 +108,110 @@ TEST(HostWindow, ShowsTheExampleAtSixtyFiveSecondsFromTheBuiltPlugin)
     ASSERT_FALSE(picture.isNull());
     EXPECT_EQ(picture.size(), QSize(1200, 750) * host.window()->devicePixelRatio());
     saveGrab(picture, QStringLiteral("host_example_65s.png"));
+}
+
+// The map item's viewport, once the real view draws one.
+overmap_ui::Viewport* findViewport(QQuickItem* item)
+{
+    if (auto* viewport = qobject_cast<overmap_ui::Viewport*>(item))
+        return viewport;
+    for (QQuickItem* child : item->childItems()) {
+        if (auto* viewport = findViewport(child))
+            return viewport;
+    }
+    return nullptr;
+}
+
+QPoint pixelOf(const overmap_ui::Viewport& viewport, const QGeoCoordinate& position, qreal ratio)
+{
+    const QPointF scene = viewport.mapToScene(viewport.projectGPSToScreen(position));
+    return (scene * ratio).toPoint();
+}
+
+// Whether a pixel within @p radius of @p at has @p colour, each channel within 40.
+bool colourNear(const QImage& picture, QPoint at, const QColor& colour, int radius = 3)
+{
+    for (int dy = -radius; dy <= radius; ++dy) {
+        for (int dx = -radius; dx <= radius; ++dx) {
+            const QPoint p = at + QPoint(dx, dy);
+            if (!picture.rect().contains(p))
+                continue;
+            const QColor c = picture.pixelColor(p);
+            if (std::abs(c.red() - colour.red()) <= 40 && std::abs(c.green() - colour.green()) <= 40 &&
+                std::abs(c.blue() - colour.blue()) <= 40)
+                return true;
+        }
+    }
+    return false;
+}
+
+bool textShown(QQuickItem* item, const QString& text)
+{
+    if (item->isVisible() && item->property("text").toString() == text)
+        return true;
+    for (QQuickItem* child : item->childItems()) {
+        if (textShown(child, text))
+            return true;
+    }
+    return false;
+}
+
+TEST(HostWindow, CarsAndConesStandWhereTheViewportPutsThem)
+{
+    lum::LumeroHost host(exampleOptions());
+    ASSERT_TRUE(host.start());
+    ASSERT_TRUE(waitForFirstFrame(host));
+    overmap_ui::Viewport* viewport = findViewport(host.window()->contentItem());
+    if (viewport == nullptr)
+        GTEST_SKIP() << "the view draws no map item yet";
+    QTest::qWait(1500); // the offline probe and the first frames settle
+    auto* model =
+        qobject_cast<overmap_ui::OvermapModel*>(host.instrument()->property("geoModel").value<QObject*>());
+    ASSERT_NE(model, nullptr);
+    EXPECT_TRUE(textShown(host.window()->contentItem(), QStringLiteral("No map in offline mode")));
+    const qreal ratio = host.window()->devicePixelRatio();
+    QImage picture = host.grab();
+    saveGrab(picture, QStringLiteral("host_example_65s_pixels.png"));
+    int cars = 0;
+    int cones = 0;
+    overmap_ui::QPositionObject* first_car = nullptr;
+    for (overmap_ui::QPositionObject* object : model->objectsManager()->positionObjects()->typedList()) {
+        const auto type = object->getType();
+        if (type != overmap_ui::QGeoObject::CAR && type != overmap_ui::QGeoObject::CONE)
+            continue;
+        (type == overmap_ui::QGeoObject::CAR ? cars : cones) += 1;
+        if (type == overmap_ui::QGeoObject::CAR && first_car == nullptr)
+            first_car = object;
+        const QPoint at = pixelOf(*viewport, object->position(), ratio);
+        if (picture.rect().contains(at)) {
+            EXPECT_TRUE(colourNear(picture, at, object->color()))
+                << object->name().toStdString() << " at " << at.x() << "," << at.y();
+        }
+    }
+    EXPECT_EQ(cars, 2);
+    EXPECT_GT(cones, 0);
+    ASSERT_NE(first_car, nullptr);
+
+    // Hidden in the properties, gone from the picture.
+    const QPoint car_at = pixelOf(*viewport, first_car->position(), ratio);
+    QMetaObject::invokeMethod(host.instrument(), "setObjectFiltered", Q_ARG(int, first_car->objectId()),
+                              Q_ARG(bool, true));
+    QTest::qWait(300);
+    EXPECT_FALSE(colourNear(host.grab(), car_at, first_car->color(), 1)) << "the hidden car is still drawn";
+    QMetaObject::invokeMethod(host.instrument(), "setObjectFiltered", Q_ARG(int, first_car->objectId()),
+                              Q_ARG(bool, false));
+
+    // Followed, the car stays in the middle while the time moves.
+    host.instrument()->setProperty("positionObjectToFollow", first_car->objectId());
+    host.instrument()->setProperty("followObjectPosition", true);
+    for (double time : {66.0, 70.0}) {
+        host.timeBar()->setTime(time);
+        QTest::qWait(300);
+        const QPointF middle(viewport->width() / 2.0, viewport->height() / 2.0);
+        const QPointF car = viewport->projectGPSToScreen(first_car->position());
+        EXPECT_NEAR(car.x(), middle.x(), 2.0) << "at " << time << " s";
+        EXPECT_NEAR(car.y(), middle.y(), 2.0) << "at " << time << " s";
+    }
 }
 
 TEST(HostWindow, DoubleClickActionTogglesThePropertiesPage)

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -31,7 +32,7 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(FormatRow{"zero", 0.0, "0:00.00"}, FormatRow{"example_time", 65.0, "1:05.00"},
                       FormatRow{"hundredths_round", 1.234, "0:01.23"},
                       FormatRow{"rounding_carries_into_the_minute", 59.999, "1:00.00"},
-                      FormatRow{"hours", 3725.5, "1:02:05.50"}, FormatRow{"negative", -2.5, "-0:02.50"},
+                      FormatRow{"hours", 4325.5, "1:12:05.50"}, FormatRow{"negative", -2.5, "-0:02.50"},
                       FormatRow{"not_a_number", std::numeric_limits<double>::quiet_NaN(), "-"}),
     [](const ::testing::TestParamInfo<FormatRow>& info) { return std::string(info.param.name); });
 
@@ -75,9 +76,13 @@ TEST(QTimeBar, TimeStaysInsideTheSpan)
 {
     lum::QTimeBar bar;
     QSignalSpy times(&bar, &lum::QTimeBar::timeChanged);
+    QSignalSpy ranges(&bar, &lum::QTimeBar::rangeChanged);
     ASSERT_TRUE(times.isValid());
+    ASSERT_TRUE(ranges.isValid());
     bar.setRange(1.0, 5.0, 0.01);
     EXPECT_EQ(bar.time(), 1.0) << "the time moves into a new span";
+    bar.setRange(1.0, 5.0, 0.01);
+    EXPECT_EQ(ranges.count(), 1) << "an unchanged span is not announced";
     bar.setTime(9.0);
     EXPECT_EQ(bar.time(), 5.0);
     bar.setTime(std::numeric_limits<double>::quiet_NaN());
@@ -95,6 +100,10 @@ TEST(QTimeBar, UnusableRangesFallBack)
     EXPECT_EQ(bar.start(), 3.0);
     EXPECT_EQ(bar.end(), 3.0);
     EXPECT_EQ(bar.step(), 0.01);
+    bar.setRange(3.0, 1.0, 0.5);
+    bar.setRange(0.0, 1.0, 0.0);
+    EXPECT_EQ(bar.step(), 0.01) << "a step of 0 falls back too";
+    bar.setRange(3.0, 1.0, -1.0);
     bar.setPlaying(true);
     EXPECT_FALSE(bar.isPlaying()) << "an empty span has nothing to play";
 }
@@ -126,8 +135,12 @@ TEST(QTimeBar, TheTimerPlaysInWallTime)
     lum::QTimeBar bar;
     bar.setRange(0.0, 100.0, 0.01);
     bar.setSpeedIndex(6);
+    QElapsedTimer clock;
+    clock.start();
     bar.setPlaying(true);
     EXPECT_TRUE(QTest::qWaitFor([&] { return bar.time() > 0.5; }, 5000));
+    // 16 times the wall time, give or take a tick.
+    EXPECT_LE(bar.time(), 16.0 * (static_cast<double>(clock.elapsed()) / 1000.0) + 0.5);
     bar.setPlaying(false);
     const double stopped = bar.time();
     QTest::qWait(50);
