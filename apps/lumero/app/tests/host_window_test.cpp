@@ -21,6 +21,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QGeoCoordinate>
+#include <QQmlComponent>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -363,6 +364,62 @@ TEST(HostWindow, SavingWritesTheSetupAndNeedsAFile)
     EXPECT_FALSE(host.openSetup(folder.filePath("absent.xml")));
     EXPECT_TRUE(host.errorText().startsWith(QStringLiteral("Cannot open the setup ")))
         << host.errorText().toStdString();
+}
+
+} // namespace
+
+namespace {
+
+// What instrument views import of the host: every widget, the theme and the bases.
+TEST(HostQmlModules, TheBasesWidgetsAndThemeLoad)
+{
+    lum::registerHostQmlTypes();
+    QQmlEngine engine;
+    engine.addImportPath(QStringLiteral("qrc:/qml"));
+    QQmlComponent component(&engine);
+    component.setData(R"(
+import QtQuick 2.15
+import Lumero 1.0
+import Lumero.Themes 1.0
+import Lumero.Widgets 1.0
+import instruments.private 1.0
+Item {
+    property var view: AbstractInstrument {}
+    property var page: AbstractInstrumentProperties { title: "Overmap" }
+    property color text: Theme.textColor
+    property int tiny: Theme.tinySpacing
+    Column {
+        GroupHeader { text: "Street map" }
+        Label { text: "label" }
+        CheckBox { text: "Show map" }
+        Slider {}
+        LabeledSlider { text: "Map opacity"; value: 0.5 }
+        ComboBox { model: ["a", "b"]; textRole: "" }
+        Switch {}
+        Button { text: "button" }
+        PropertiesPage { title: "page"; Label { text: "inside" } }
+    }
+}
+)",
+                      QUrl(QStringLiteral("qrc:/test/Modules.qml")));
+    std::unique_ptr<QObject> root(component.create());
+    ASSERT_NE(root, nullptr) << component.errorString().toStdString();
+    auto* view = root->property("view").value<QObject*>();
+    ASSERT_NE(view, nullptr);
+    EXPECT_FALSE(view->property("instrumentModel").isValid() &&
+                 view->property("instrumentModel").value<QObject*>() != nullptr);
+    EXPECT_EQ(view->property("displayedTime").toDouble(), 0.0);
+    EXPECT_FALSE(view->property("isMaximizable").toBool());
+    EXPECT_FALSE(view->property("showIcon").toBool());
+    auto* area = view->property("instrumentArea").value<QObject*>();
+    ASSERT_NE(area, nullptr);
+    EXPECT_FALSE(area->property("designMode").toBool());
+    EXPECT_FALSE(area->property("printMode").toBool());
+    auto* page = root->property("page").value<QObject*>();
+    ASSERT_NE(page, nullptr);
+    EXPECT_EQ(page->metaObject()->indexOfProperty("instrument") >= 0, true);
+    EXPECT_EQ(root->property("text").value<QColor>(), QColor("#1f2328"));
+    EXPECT_EQ(root->property("tiny").toInt(), 4);
 }
 
 } // namespace

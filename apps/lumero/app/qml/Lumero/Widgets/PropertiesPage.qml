@@ -7,7 +7,9 @@ import Lumero.Themes 1.0
 C.Page {
     id: root
     default property alias content: column.data
-    property alias spacing: column.spacing
+    // Fixed, as the page fills the room the host gives it: the content would otherwise size the page by itself.
+    implicitWidth: 320
+    implicitHeight: 480
     background: Rectangle { color: Theme.panelColor }
     header: C.Label {
         text: root.title
