@@ -27,7 +27,7 @@ set(LUMERO_TEST_ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 # type, one id counter, one assertion handler. STATIC for what only test binaries link.
 function(lumero_add_library name)
     cmake_parse_arguments(ARG "QT;STATIC" "" "SOURCES;PUBLIC_LIBS;PRIVATE_LIBS" ${ARGN})
-    if(ARG_STATIC)
+    if(ARG_STATIC OR NOT LUMERO_SHARED_LIBS)
         add_library(${name} STATIC ${ARG_SOURCES})
     else()
         add_library(${name} SHARED ${ARG_SOURCES})

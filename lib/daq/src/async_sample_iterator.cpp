@@ -174,6 +174,16 @@ bool AsyncSampleIterator::seekForward(std::uint64_t t)
     return positionAt(lowerBound(t));
 }
 
+bool AsyncSampleIterator::currentBlockGrew() const
+{
+    const std::uint32_t visible = m_stream->visibleSampleCount(*m_current_block);
+    if (visible != 0)
+        return visible > m_sample_index.size();
+    // No longer live, so closed: its count is final and was written under the stream's lock.
+    const SampleDataBlock& block = *m_current_block;
+    return block.isCountFinal() && block.m_sample_count > m_sample_index.size();
+}
+
 bool AsyncSampleIterator::nextBlock()
 {
     if (!m_stream)
@@ -200,10 +210,14 @@ bool AsyncSampleIterator::nextBlock()
         }
     }
 
-    m_sample_index.clear();
     std::uint32_t count = 0;
     SampleDataBlockPtr block =
         old_last == NO_TICK ? SampleDataBlockPtr() : m_stream->findNextBlock(old_last, count);
+    // Between the two looks the writer may have published more of this block and closed it,
+    // and started the next: the rest of this block comes first, or it would be skipped.
+    if (block && currentBlockGrew())
+        return nextBlock();
+    m_sample_index.clear();
     if (block) {
         m_current_block = std::move(block);
         indexCurrentBlock(count);

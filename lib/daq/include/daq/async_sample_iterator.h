@@ -71,6 +71,10 @@ private:
                                               SeekMode mode);
 
     bool nextBlock();
+
+    /// Whether the current block holds more samples than are indexed (published or closed since).
+
+    bool currentBlockGrew() const;
     bool seekForward(std::uint64_t t);
     void indexCurrentBlock(std::uint32_t count);
     void setRange(std::uint32_t count);
