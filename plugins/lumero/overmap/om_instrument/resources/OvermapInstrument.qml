@@ -119,14 +119,23 @@ AbstractInstrument {
                         value: typeof mapTileFolder !== "undefined" ? mapTileFolder : ""
                     }
                 }
-                activeMapType: {
+                // Setting no type at all would crash the map: a type is set only when found.
+                function chooseMapType() {
                     var showing = root.instrumentModel && root.instrumentModel.showMap
                     var wanted = showing ? MapType.StreetMap : MapType.CustomMap
                     for (var i = 0; i < supportedMapTypes.length; ++i) {
-                        if (supportedMapTypes[i].style === wanted)
-                            return supportedMapTypes[i]
+                        if (supportedMapTypes[i].style === wanted) {
+                            activeMapType = supportedMapTypes[i]
+                            return
+                        }
                     }
-                    return supportedMapTypes.length > 0 ? supportedMapTypes[0] : null
+                }
+                onSupportedMapTypesChanged: chooseMapType()
+                Component.onCompleted: chooseMapType()
+                Connections {
+                    target: root.instrumentModel
+                    ignoreUnknownSignals: true
+                    function onShowMapChanged() { streetMap.chooseMapType() }
                 }
             }
         }

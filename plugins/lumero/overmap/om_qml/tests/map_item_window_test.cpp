@@ -2,10 +2,10 @@
 // viewport gives for the objects, hiding, following and heading-up. Needs an X server with
 // OpenGL (run under xvfb-run).
 
-#include <om_qml/qscene_item.h>
-#include <om_qml/register_qml_module.h>
+#include "example_scene.h"
 
-#include <om_instrument/overmap_instrument.h>
+#include <om_qml/qscene_item.h>
+
 #include <om_ui/object_lists.h>
 #include <om_ui/overmap_model.h>
 #include <om_ui/position_objects_filtered_model.h>
@@ -13,21 +13,10 @@
 #include <om_ui/qobject_manager.h>
 #include <om_ui/viewport.h>
 
-#include <lum_host/host_application.h>
-#include <lum_host/qextension_module.h>
-#include <overmap_replay/replay_inputs.h>
-#include <qchannel/qchannel.h>
-#include <uni_base/uni_assert.h>
-#include <uni_testing/assert_capture.h>
-#include <uni_testing/qt_message_capture.h>
-
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QGuiApplication>
 #include <QQuickView>
-#include <QSettings>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <cmath>
@@ -35,8 +24,6 @@
 
 namespace {
 
-const QString EXAMPLES = QStringLiteral(LUMERO_EXAMPLES_DIR);
-const std::string EXAMPLE_RECORDINGS = LUMERO_EXAMPLES_DIR "/recordings/";
 const QColor CAR1_COLOR(0xd6, 0x27, 0x28);
 const QColor CAR2_COLOR(0x1f, 0x77, 0xb4);
 const QColor CONE_COLOR(0xff, 0x7f, 0x0e);
@@ -63,28 +50,12 @@ bool near(const QColor& a, const QColor& b)
 class MapItemWindowTest : public ::testing::Test
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        static QTemporaryDir settings_dir;
-        QSettings::setDefaultFormat(QSettings::IniFormat);
-        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings_dir.path());
-        // The online probe asks a local port that refuses at once, never the internet.
-        QSettings().setValue(overmap_ui::OvermapModel::PROBE_URL_KEY, "http://127.0.0.1:9/");
-        overmap_qml::registerQmlModule();
-    }
+    static void SetUpTestSuite() { om_qml_test::prepareProcess(); }
 
     void SetUp() override
     {
-        m_recordings = overmap_replay::loadRecordings(
-            {EXAMPLE_RECORDINGS + "car1_drive_100hz.csv", EXAMPLE_RECORDINGS + "car2_drive_100hz.csv"});
-        ASSERT_TRUE(m_recordings) << m_recordings.error;
-        for (const auto& channel : m_recordings.manager->channels())
-            m_host.getChannels()->appendChannel(new lum::qchannel::QChannel(channel));
-        auto* extension = new QExtensionModule(im::OvermapInstrument::EXTENSION_ID, 0x7f);
-        ASSERT_TRUE(extension->loadFromFile(EXAMPLES + "/setups/proving_ground.xml"));
-        ASSERT_TRUE(m_host.addExtensionModule(extension));
-        m_instrument.setApplication(&m_host);
-        m_instrument.connectToApplication();
+        QString error;
+        ASSERT_TRUE(m_scene.load(error)) << error.toStdString();
         geoModel()->setDisplayTime(65.0);
 
         m_view = std::make_unique<QQuickView>();
@@ -102,12 +73,8 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowExposed(m_view.get()));
     }
 
-    overmap_ui::OvermapModel* geoModel() { return m_instrument.geoModel(); }
-
-    overmap_ui::QCar* car(int id)
-    {
-        return qobject_cast<overmap_ui::QCar*>(geoModel()->objectsManager()->getObjectById(id));
-    }
+    overmap_ui::OvermapModel* geoModel() { return m_scene.geoModel(); }
+    overmap_ui::QCar* car(int id) { return m_scene.car(id); }
 
     QImage grab()
     {
@@ -116,9 +83,8 @@ protected:
         return m_view->grabWindow();
     }
 
-    overmap_replay::LoadedRecordings m_recordings;
-    lum::HostApplication m_host;
-    im::OvermapInstrument m_instrument;
+    om_qml_test::ExampleScene m_scene;
+    im::OvermapInstrument& m_instrument = m_scene.instrument;
     std::unique_ptr<QQuickView> m_view;
     overmap_ui::Viewport* m_map = nullptr;
 };
@@ -174,11 +140,3 @@ TEST_F(MapItemWindowTest, HeadingUpTurnsTheCarNoseUp)
 }
 
 } // namespace
-
-int main(int argc, char** argv)
-{
-    ::testing::InitGoogleTest(&argc, argv);
-    QGuiApplication app(argc, argv);
-    uni::setAssertHandler(&uni_testing::failingAssertHandler);
-    return RUN_ALL_TESTS();
-}
