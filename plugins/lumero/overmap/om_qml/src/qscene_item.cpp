@@ -77,14 +77,18 @@ QPolygonF mappedThinned(const QTransform& to_screen, const QPolygonF& degrees)
 
 void drawHaloText(QPainter& painter, const QPointF& baseline_left, const QString& text, const QColor& color)
 {
-    QPainterPath path;
-    path.addText(baseline_left, painter.font(), text);
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(QColor(255, 255, 255, 210), 3.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPath(path);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(color);
-    painter.drawPath(path);
+    // A light shadow from the glyph cache, so that names stay legible over lines and fills.
+    painter.setPen(QColor(255, 255, 255, 220));
+    painter.drawText(baseline_left + QPointF(1.0, 1.0), text);
+    painter.setPen(color);
+    painter.drawText(baseline_left, text);
+}
+
+/// An object that stands still while time moves: no channel moves it, no other object carries it.
+bool standsStill(const QPositionObject& object)
+{
+    return object.latitudeChannel() == nullptr && object.longitudeChannel() == nullptr &&
+           object.headingChannel() == nullptr && object.referenceObject() == nullptr;
 }
 
 } // namespace
@@ -126,15 +130,20 @@ void QSceneItem::setObjectsModel(QAbstractItemModel* model)
     if (m_objects_model) {
         const auto changed = [this] {
             watchModel();
-            update();
+            markStill();
         };
         connect(m_objects_model, &QAbstractItemModel::rowsInserted, this, changed);
         connect(m_objects_model, &QAbstractItemModel::rowsRemoved, this, changed);
         connect(m_objects_model, &QAbstractItemModel::modelReset, this, changed);
-        connect(m_objects_model, &QAbstractItemModel::layoutChanged, this, changed);
-        connect(m_objects_model, &QAbstractItemModel::dataChanged, this, changed);
+        // A filter model re-sorts after every move of an object: what it hides is part of the
+        // still layer's key instead.
+        connect(m_objects_model, &QAbstractItemModel::layoutChanged, this, &QSceneItem::scheduleUpdate);
+        // A list that follows its objects' properties tells of every move: the objects' own
+        // signals already say what that changes.
+        connect(m_objects_model, &QAbstractItemModel::dataChanged, this, &QSceneItem::scheduleUpdate);
     }
     watchModel();
+    m_still_valid = false;
     Q_EMIT objectsModelChanged();
     update();
 }
@@ -153,6 +162,7 @@ void QSceneItem::setBackgroundColor(const QColor& color)
     if (color == m_background_color)
         return;
     m_background_color = color;
+    m_still_valid = false;
     Q_EMIT backgroundColorChanged();
     update();
 }
@@ -162,6 +172,7 @@ void QSceneItem::setShowCoordinateSystem(bool show)
     if (show == m_show_coordinate_system)
         return;
     m_show_coordinate_system = show;
+    m_still_valid = false;
     Q_EMIT showCoordinateSystemChanged();
     update();
 }
@@ -198,6 +209,7 @@ void QSceneItem::setBackgroundImageVisible(bool visible)
     if (visible == m_background_image_visible)
         return;
     m_background_image_visible = visible;
+    m_still_valid = false;
     Q_EMIT backgroundImageVisibleChanged();
     update();
 }
@@ -207,6 +219,7 @@ void QSceneItem::setBackgroundImageOpacity(double opacity)
     if (opacity == m_background_image_opacity)
         return;
     m_background_image_opacity = opacity;
+    m_still_valid = false;
     Q_EMIT backgroundImageOpacityChanged();
     update();
 }
@@ -218,6 +231,7 @@ void QSceneItem::setReferencePlane(overmap_ui::ReferencePlane* plane)
     if (m_reference_plane)
         disconnect(m_reference_plane, nullptr, this, nullptr);
     m_reference_plane = plane;
+    m_still_valid = false;
     if (m_reference_plane)
         connect(m_reference_plane, &overmap_ui::ReferencePlane::planeChanged, this,
                 &QSceneItem::scheduleUpdate);
@@ -245,31 +259,50 @@ overmap_ui::QObjectManager* QSceneItem::objectsManager() const
 
 void QSceneItem::watchObject(QObject* object)
 {
-    if (object == nullptr)
+    // Once for each object: the set dies with the objects' connections when they go.
+    if (object == nullptr || m_watched.contains(object))
         return;
-    const auto unique = Qt::UniqueConnection;
+    m_watched.insert(object);
+    connect(object, &QObject::destroyed, this, [this, object] {
+        m_watched.remove(object);
+        m_still_places.remove(object);
+    });
     if (auto* geo = qobject_cast<QGeoObject*>(object)) {
-        connect(geo, &QGeoObject::colorChanged, this, &QSceneItem::scheduleUpdate, unique);
-        connect(geo, &QGeoObject::nameChanged, this, &QSceneItem::scheduleUpdate, unique);
-        connect(geo, &QGeoObject::sizeChanged, this, &QSceneItem::scheduleUpdate, unique);
+        connect(geo, &QGeoObject::colorChanged, this, &QSceneItem::markStill);
+        connect(geo, &QGeoObject::nameChanged, this, &QSceneItem::markStill);
+        connect(geo, &QGeoObject::sizeChanged, this, &QSceneItem::markStill);
     }
     if (auto* position = qobject_cast<QPositionObject*>(object)) {
-        connect(position, &QPositionObject::positionChanged, this, &QSceneItem::scheduleUpdate, unique);
-        connect(position, &QPositionObject::headingChanged, this, &QSceneItem::scheduleUpdate, unique);
+        // Only what stands still is kept in the cached layer; a moving object is drawn anyway.
+        // Objects without channels are told of every time step too: only a real change of
+        // place counts for the still layer.
+        const auto moved = [this, position] {
+            if (standsStill(*position)) {
+                const StillPlace place{position->position(), position->heading()};
+                auto known = m_still_places.find(position);
+                if (known == m_still_places.end() || !(known->position == place.position) ||
+                    known->heading != place.heading) {
+                    m_still_places.insert(position, place);
+                    m_still_valid = false;
+                }
+            }
+            update();
+        };
+        connect(position, &QPositionObject::positionChanged, this, moved);
+        connect(position, &QPositionObject::headingChanged, this, moved);
     }
     if (auto* car = qobject_cast<overmap_ui::QCar*>(object))
-        connect(car, &overmap_ui::QCar::contourChanged, this, &QSceneItem::scheduleUpdate, unique);
+        connect(car, &overmap_ui::QCar::contourChanged, this, &QSceneItem::scheduleUpdate);
     if (auto* track = qobject_cast<overmap_ui::QTrack*>(object))
-        connect(track, &overmap_ui::QTrack::segmentsChanged, this, &QSceneItem::dropTrackCaches, unique);
+        connect(track, &overmap_ui::QTrack::segmentsChanged, this, &QSceneItem::dropTrackCaches);
     if (auto* calculation = qobject_cast<overmap_ui::QCalculation*>(object))
-        connect(calculation, &overmap_ui::QCalculation::dataChanged, this, &QSceneItem::scheduleUpdate,
-                unique);
+        connect(calculation, &overmap_ui::QCalculation::dataChanged, this, &QSceneItem::scheduleUpdate);
 }
 
 void QSceneItem::dropTrackCaches()
 {
     m_track_cache.clear();
-    update();
+    markStill();
 }
 
 void QSceneItem::watchModel()
@@ -289,7 +322,7 @@ void QSceneItem::watchModel()
             connect(manager, &overmap_ui::QObjectManager::dataChanged, this, [this] {
                 m_track_cache.clear();
                 watchModel();
-                update();
+                markStill();
             });
         }
     }
@@ -382,24 +415,51 @@ QString QSceneItem::calculationText(int calc_id) const
     return QString::number(value, 'f', 2) + QLatin1Char(' ') + unit;
 }
 
+void QSceneItem::markStill()
+{
+    m_still_valid = false;
+    update();
+}
+
 void QSceneItem::paint(QPainter* painter)
 {
-    if (m_background_color.alpha() > 0)
-        painter->fillRect(boundingRect(), m_background_color);
-    if (m_viewport == nullptr || width() <= 0.0 || height() <= 0.0)
+    if (m_viewport == nullptr || width() <= 0.0 || height() <= 0.0) {
+        if (m_background_color.alpha() > 0)
+            painter->fillRect(boundingRect(), m_background_color);
         return;
+    }
+    // What does not move with time (grid, image, tracks, cones) is drawn once for each view
+    // and then copied: during playback only the moving objects cost a frame.
+    const QSize size(static_cast<int>(std::ceil(width())), static_cast<int>(std::ceil(height())));
+    auto* filter = qobject_cast<overmap_ui::PositionObjectsFilteredModel*>(m_objects_model.data());
+    const StillKey key{m_viewport->center(), m_viewport->rotation(), m_viewport->scaling(), size,
+                       filter ? filter->getFilteredIds() : std::set<int>()};
+    if (!m_still_valid || !(key == m_still_key)) {
+        m_still_layer = QImage(size, QImage::Format_ARGB32_Premultiplied);
+        m_still_layer.fill(m_background_color.alpha() > 0 ? m_background_color : QColor(Qt::transparent));
+        QPainter still(&m_still_layer);
+        still.setRenderHint(QPainter::Antialiasing, true);
+        QFont font = still.font();
+        font.setPixelSize(12);
+        still.setFont(font);
+        if (m_show_coordinate_system)
+            paintGrid(still);
+        if (m_background_image_visible)
+            paintBackgroundImage(still);
+        paintTracks(still, degreesToScreen());
+        paintPositionObjects(still, true);
+        m_still_key = key;
+        m_still_valid = true;
+    }
+    painter->setCompositionMode(QPainter::CompositionMode_Source);
+    painter->drawImage(QPointF(0.0, 0.0), m_still_layer);
+    painter->setCompositionMode(QPainter::CompositionMode_SourceOver);
     painter->setRenderHint(QPainter::Antialiasing, true);
     QFont font = painter->font();
     font.setPixelSize(12);
     painter->setFont(font);
-    if (m_show_coordinate_system)
-        paintGrid(*painter);
-    if (m_background_image_visible)
-        paintBackgroundImage(*painter);
-    const QTransform to_screen = degreesToScreen();
-    paintTracks(*painter, to_screen);
     paintCalculations(*painter);
-    paintPositionObjects(*painter);
+    paintPositionObjects(*painter, false);
     paintCompass(*painter);
     paintScaleBar(*painter);
 }
@@ -463,7 +523,6 @@ void QSceneItem::paintTracks(QPainter& painter, const QTransform& to_screen)
     overmap_ui::QObjectManager* manager = objectsManager();
     if (manager == nullptr)
         return;
-    const QRectF screen = boundingRect();
     painter.save();
     for (QObject* object : manager->tracks()->list()) {
         auto* track = qobject_cast<overmap_ui::QTrack*>(object);
@@ -483,12 +542,11 @@ void QSceneItem::paintTracks(QPainter& painter, const QTransform& to_screen)
         painter.setBrush(TRACK_FILL);
         painter.drawPolygon(mappedThinned(to_screen, cache.ribbon), Qt::WindingFill);
         painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(color, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.setPen(QPen(color, 1.5, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
         painter.drawPolyline(mappedThinned(to_screen, cache.first_edge));
         painter.drawPolyline(mappedThinned(to_screen, cache.second_edge));
     }
     painter.restore();
-    Q_UNUSED(screen);
 }
 
 void QSceneItem::paintCalculations(QPainter& painter) const
@@ -559,7 +617,7 @@ void QSceneItem::paintCalculations(QPainter& painter) const
     painter.restore();
 }
 
-void QSceneItem::paintPositionObjects(QPainter& painter) const
+void QSceneItem::paintPositionObjects(QPainter& painter, bool still) const
 {
     if (m_objects_model == nullptr)
         return;
@@ -578,7 +636,8 @@ void QSceneItem::paintPositionObjects(QPainter& painter) const
     for (int row = 0; row < m_objects_model->rowCount(); ++row) {
         auto* object = qobject_cast<QPositionObject*>(
             m_objects_model->index(row, 0).data(QObjectListModel::OBJECT_ROLE).value<QObject*>());
-        if (object == nullptr || isHidden(object->objectId()) || !object->position().isValid())
+        if (object == nullptr || isHidden(object->objectId()) || !object->position().isValid() ||
+            standsStill(*object) != still)
             continue;
         if (auto* car = qobject_cast<const overmap_ui::QCar*>(object)) {
             cars.push_back(car); // on top of cones and locators
@@ -592,7 +651,7 @@ void QSceneItem::paintPositionObjects(QPainter& painter) const
             QPolygonF triangle;
             triangle << at + QPointF(0.0, -0.6 * h) << at + QPointF(0.5 * h, 0.4 * h)
                      << at + QPointF(-0.5 * h, 0.4 * h);
-            painter.setPen(QPen(object->color().darker(150), 1.0));
+            painter.setPen(QPen(object->color().darker(150), 0.0));
             painter.setBrush(object->color());
             painter.drawPolygon(triangle);
             if (cone_names)
@@ -629,7 +688,8 @@ void QSceneItem::paintPositionObjects(QPainter& painter) const
         const QRectF extent = contour.boundingRect();
         if (!extent.intersects(visible))
             continue;
-        painter.setPen(QPen(car->color().darker(170), 1.3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        // A hairline outline: the cosmetic stroker is many times faster than joins of a wide pen.
+        painter.setPen(QPen(car->color().darker(170), 0.0));
         painter.setBrush(car->color());
         painter.drawPolygon(contour);
         labels.push_back(

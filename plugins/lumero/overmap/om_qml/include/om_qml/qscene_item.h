@@ -6,14 +6,17 @@
 
 #include <QAbstractItemModel>
 #include <QColor>
+#include <QGeoCoordinate>
 #include <QHash>
 #include <QImage>
 #include <QPointer>
 #include <QPolygonF>
 #include <QQuickPaintedItem>
+#include <QSet>
 #include <QString>
 #include <QTransform>
 
+#include <set>
 #include <vector>
 
 namespace overmap_ui {
@@ -109,6 +112,8 @@ Q_SIGNALS:
 
 private Q_SLOTS:
     void scheduleUpdate();
+    /// The layer of what stands still must be drawn anew.
+    void markStill();
     /// Segments were made anew: every ribbon is read again on the next paint.
     void dropTrackCaches();
 
@@ -134,7 +139,8 @@ private:
     void paintBackgroundImage(QPainter& painter);
     void paintTracks(QPainter& painter, const QTransform& to_screen);
     void paintCalculations(QPainter& painter) const;
-    void paintPositionObjects(QPainter& painter) const;
+    /// Either the objects that stand still (@p still) or those that move.
+    void paintPositionObjects(QPainter& painter, bool still) const;
     void paintCompass(QPainter& painter) const;
     void paintScaleBar(QPainter& painter) const;
 
@@ -150,7 +156,33 @@ private:
     double m_scale_bottom_margin = 0.0;
     bool m_background_image_visible = true;
     double m_background_image_opacity = 1.0;
+    /// The view for which the still layer was drawn.
+    struct StillKey
+    {
+        QGeoCoordinate center;
+        double rotation = 0.0;
+        double scaling = 0.0;
+        QSize size;
+        std::set<int> hidden;
+        bool operator==(const StillKey& other) const
+        {
+            return center == other.center && rotation == other.rotation && scaling == other.scaling &&
+                   size == other.size && hidden == other.hidden;
+        }
+    };
+
     QHash<overmap_ui::QTrack*, TrackCache> m_track_cache;
+    QSet<QObject*> m_watched;
+    struct StillPlace
+    {
+        QGeoCoordinate position;
+        double heading = 0.0;
+    };
+    /// Where each object that stands still was last seen.
+    QHash<QObject*, StillPlace> m_still_places;
+    QImage m_still_layer;
+    StillKey m_still_key;
+    bool m_still_valid = false;
     QString m_image_path;
     QImage m_image;
 };
