@@ -154,6 +154,26 @@ TEST_F(SceneItemTest, TrackRibbonIsPaintedUntilTheTrackIsHidden)
     EXPECT_EQ(paint().pixelColor(at), QColor(Qt::white));
 }
 
+/// A cone is kept in the layer that is painted once for each view: moved by hand, it must
+/// still be drawn at its new place.
+TEST_F(SceneItemTest, MovedConeIsDrawnWhereItStandsNow)
+{
+    auto* cone =
+        qobject_cast<overmap_ui::QPositionObject*>(m_scene.geoModel()->objectsManager()->getObjectById(22));
+    ASSERT_NE(cone, nullptr);
+    const QGeoCoordinate before = cone->position();
+    m_viewport.setCenter(before);
+    m_viewport.setScaling(2.0);
+    m_item.setBackgroundColor(Qt::white);
+    const QColor cone_color("#ff7f0e");
+    EXPECT_EQ(paint().pixelColor(200, 150), cone_color);
+    cone->setPosition(before.atDistanceAndAzimuth(30.0, 90.0)); // 60 pixels to the right
+    m_item.setDisplayTime(1.0);
+    const QImage moved = paint();
+    EXPECT_NE(moved.pixelColor(200, 150), cone_color);
+    EXPECT_EQ(moved.pixelColor(m_viewport.projectGPSToScreen(cone->position()).toPoint()), cone_color);
+}
+
 TEST_F(SceneItemTest, BackgroundIsItsColourOrLeftAlone)
 {
     m_viewport.setCenter(QGeoCoordinate(10.0, 10.0)); // far from every object
