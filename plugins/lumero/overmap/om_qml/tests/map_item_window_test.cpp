@@ -18,6 +18,7 @@
 #include <QDir>
 #include <QQuickView>
 #include <QTest>
+#include <QWheelEvent>
 
 #include <cmath>
 #include <memory>
@@ -138,6 +139,29 @@ TEST_F(MapItemWindowTest, HeadingUpTurnsTheCarNoseUp)
     EXPECT_TRUE(colorAt(picture, reference + QPointF(0.0, along), CAR1_COLOR));
     EXPECT_FALSE(colorAt(picture, reference + QPointF(across, 0.0), CAR1_COLOR));
     EXPECT_FALSE(colorAt(picture, reference + QPointF(-across, 0.0), CAR1_COLOR));
+}
+
+TEST_F(MapItemWindowTest, WheelZoomsAroundThePointerAndDragPans)
+{
+    grab();
+    const QPoint pointer(500, 120);
+    const QGeoCoordinate under = m_map->projectScreenToGPS(pointer);
+    QWheelEvent wheel(QPointF(pointer), m_view->mapToGlobal(pointer), QPoint(), QPoint(0, 240), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(m_view.get(), &wheel);
+    EXPECT_GT(m_map->scaling(), 8.0) << "the wheel turned forward zooms in";
+    const QPointF still = m_map->projectGPSToScreen(under);
+    EXPECT_NEAR(still.x(), pointer.x(), 0.5);
+    EXPECT_NEAR(still.y(), pointer.y(), 0.5);
+
+    const QGeoCoordinate at_start = m_map->projectScreenToGPS(QPointF(100, 100));
+    QTest::mousePress(m_view.get(), Qt::LeftButton, Qt::NoModifier, QPoint(100, 100));
+    QTest::mouseMove(m_view.get(), QPoint(130, 120));
+    QTest::mouseMove(m_view.get(), QPoint(160, 140));
+    QTest::mouseRelease(m_view.get(), Qt::LeftButton, Qt::NoModifier, QPoint(160, 140));
+    const QPointF dragged = m_map->projectGPSToScreen(at_start);
+    EXPECT_NEAR(dragged.x(), 160.0, 0.5) << "the point taken moves with the pointer";
+    EXPECT_NEAR(dragged.y(), 140.0, 0.5);
 }
 
 } // namespace
