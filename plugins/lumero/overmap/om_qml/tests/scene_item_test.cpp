@@ -141,15 +141,21 @@ TEST_F(SceneItemTest, TrackRibbonIsPaintedUntilTheTrackIsHidden)
     // The middle of the ribbon's middle piece, away from the other tracks, in the middle of the screen.
     const QGeoCoordinate middle((first->posA().latitude() + first->posC().latitude()) / 2,
                                 (first->posA().longitude() + first->posC().longitude()) / 2);
-    m_viewport.setCenter(middle);
+    // The view's middle 5 m east of the track: the ribbon stands 50 pixels left of it.
+    m_viewport.setCenter(middle.atDistanceAndAzimuth(5.0, 90.0));
     m_viewport.setScaling(10.0);
-    EXPECT_EQ(m_viewport.projectGPSToScreen(middle).toPoint(), QPoint(200, 150));
+    const QPointF track_middle = m_viewport.projectGPSToScreen(middle);
+    EXPECT_NEAR(track_middle.x(), 150.0, 0.5);
+    EXPECT_NEAR(track_middle.y(), 150.0, 0.5);
     // Beside the centre line, along which a calculation's line runs, inside the 4 m ribbon.
-    const QPoint at(210, 150);
+    const QPoint at(160, 150);
+    const QPoint mirrored(240, 150);
     m_item.setBackgroundColor(Qt::white);
     // The handling loop runs along the straight here: hidden, the straight still covers the place.
     m_scene.instrument.objectsFilterModel()->setFiltered(100, true);
-    EXPECT_LT(paint().pixelColor(at).red(), 220) << "the ribbon's fill darkens the white background";
+    const QImage painted = paint();
+    EXPECT_LT(painted.pixelColor(at).red(), 220) << "the ribbon's fill darkens the white background";
+    EXPECT_EQ(painted.pixelColor(mirrored), QColor(Qt::white)) << "nothing on the other side of the middle";
     m_scene.instrument.objectsFilterModel()->setFiltered(101, true);
     EXPECT_EQ(paint().pixelColor(at), QColor(Qt::white));
 }
