@@ -140,23 +140,6 @@ QPointF ScenePainter::localToPicture(const overmap::PositionObject& object, cons
     return geoToPicture(object.toGeo(local));
 }
 
-std::vector<Point2D> ScenePainter::localContour(const overmap::Car& car)
-{
-    // A car switched to another frame keeps its contour's label; the points are the same.
-    std::vector<Point2D> points = car.getContour();
-    const CoordinateSystem local = car.localCoordinateSystem();
-    for (Point2D& point : points) {
-        if (point.getCoordinateSystem() == local)
-            continue;
-        // SAE is a label without a conversion: its numbers are taken as they stand.
-        if (local == CoordinateSystem::SAE || point.getCoordinateSystem() == CoordinateSystem::SAE)
-            point.setCoordinateSystem(local);
-        else
-            point.toCoordSystem(local);
-    }
-    return points;
-}
-
 std::vector<ScenePainter::TrackShape> ScenePainter::trackShapes() const
 {
     std::vector<TrackShape> shapes;
@@ -210,7 +193,7 @@ QRectF ScenePainter::sceneBounds() const
             continue;
         extend(geoToPicture(position_object->getGeoPosition()));
         if (const auto* car = dynamic_cast<const overmap::Car*>(position_object)) {
-            for (const Point2D& point : localContour(*car))
+            for (const Point2D& point : car->contourInLocalSystem())
                 extend(localToPicture(*car, point));
         }
     }
@@ -535,7 +518,7 @@ void ScenePainter::paintPositionObjects(QPainter& painter, const QTransform& vie
             return view.map(reference + (localToPicture(*car, local) - reference) * k);
         };
         QPolygonF contour;
-        for (const Point2D& point : localContour(*car))
+        for (const Point2D& point : car->contourInLocalSystem())
             contour << drawn(point);
         painter.setPen(QPen(color.darker(170), 1.3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.setBrush(color);

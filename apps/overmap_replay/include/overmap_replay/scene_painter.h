@@ -126,8 +126,6 @@ private:
     /// Each car's fill, by id: its own colour unless invalid or an earlier car's, else
     /// the first free colour of the palette.
     std::map<std::int32_t, QColor> carColors() const;
-    /// The contour in the car's local system.
-    static std::vector<math_geo::Point2D> localContour(const overmap::Car& car);
 
     const overmap::ObjectManager& m_manager;
     double m_time = 0.0;

@@ -97,6 +97,23 @@ GeoPosition Car::toGeo(const Point2D& pt) const
     return PositionObject::toGeo(pt - m_gps_offset);
 }
 
+std::vector<Point2D> Car::contourInLocalSystem() const
+{
+    // A car switched to another frame keeps its contour's label; the points are the same.
+    std::vector<Point2D> points = m_contour;
+    const CoordinateSystem local = localCoordinateSystem();
+    for (Point2D& point : points) {
+        if (point.getCoordinateSystem() == local)
+            continue;
+        // SAE is a label without a conversion: its numbers are taken as they stand.
+        if (local == CoordinateSystem::SAE || point.getCoordinateSystem() == CoordinateSystem::SAE)
+            point.setCoordinateSystem(local);
+        else
+            point.toCoordSystem(local);
+    }
+    return points;
+}
+
 Point2D Car::toLocal(const GeoPosition& position) const
 {
     if (isXYPosition())

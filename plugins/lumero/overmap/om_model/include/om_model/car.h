@@ -35,6 +35,8 @@ public:
     void updateGeoFromXY() override;
 
     const std::vector<math_geo::Point2D>& getContour() const { return m_contour; }
+    /// The contour in the car's present local system, in which toGeo takes its points.
+    std::vector<math_geo::Point2D> contourInLocalSystem() const;
     /// Takes the outline over, centres it on (0, 0) and sets length and width from its extent.
     void setContour(const std::vector<math_geo::Point2D>& points);
 

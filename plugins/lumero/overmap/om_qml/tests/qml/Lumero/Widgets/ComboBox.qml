@@ -1,0 +1,4 @@
+import QtQuick 2.12
+import QtQuick.Controls 2.12 as C
+// Stand-in of the host's combo box.
+C.ComboBox {}
