@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGeoCoordinate>
 #include <QMetaProperty>
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
@@ -200,7 +201,32 @@ bool LumeroHost::openSetup(const QString& path)
         reportError(tr("Cannot open the setup %1: %2").arg(path, error));
         return false;
     }
+    placeCameraOnSetup();
     return true;
+}
+
+void LumeroHost::placeCameraOnSetup()
+{
+    if (m_instrument == nullptr)
+        return;
+    // Through the meta-object: the host links nothing of the instrument.
+    QObject* model = m_instrument->property("geoModel").value<QObject*>();
+    QObject* plane = model ? model->property("referencePlane").value<QObject*>() : nullptr;
+    QObject* objects = model ? model->property("objectsManager").value<QObject*>() : nullptr;
+    if (plane == nullptr || objects == nullptr)
+        return;
+    const auto usable = [](const QGeoCoordinate& c) {
+        return c.isValid() && (c.latitude() != 0.0 || c.longitude() != 0.0);
+    };
+    QGeoCoordinate center = plane->property("viewCenter").value<QGeoCoordinate>();
+    if (!usable(center))
+        center = objects->property("allObjectsCenter").value<QGeoCoordinate>();
+    if (!usable(center))
+        return;
+    m_instrument->setProperty("center", QVariant::fromValue(center));
+    const double scaling = plane->property("viewScaling").toDouble();
+    if (scaling > 0.0)
+        m_instrument->setProperty("zoomFactor", scaling);
 }
 
 bool LumeroHost::saveSetup()
@@ -344,6 +370,9 @@ void LumeroHost::createInstrument(const QVariantMap& settings)
         m_instrument->setProperty(it.key().toLatin1().constData(), it.value());
     m_instrument->setApplication(m_app);
     m_instrument->connectToApplication();
+    // A new instrument looks where the setup's view does; one that is made anew keeps its camera.
+    if (settings.isEmpty())
+        placeCameraOnSetup();
     Q_EMIT instrumentChanged();
 }
 

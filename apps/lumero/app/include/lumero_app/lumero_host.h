@@ -125,6 +125,9 @@ private:
     void onRecordingsLoaded(std::shared_ptr<overmap_replay::LoadedRecordings> recordings, QStringList paths);
     void replaceChannels(std::shared_ptr<overmap_replay::LoadedRecordings> recordings);
     void createInstrument(const QVariantMap& settings);
+    /// Points the instrument's camera at the setup's view (its centre and scale), or at the
+    /// middle of its objects when the view names no place.
+    void placeCameraOnSetup();
     QVariantMap takeDownInstrument();
     void becomeReady();
     void afterReady();

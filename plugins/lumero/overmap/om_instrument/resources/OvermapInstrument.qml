@@ -48,7 +48,11 @@ AbstractInstrument {
         if (!root.instrumentModel)
             return
         var beside = Qt.resolvedUrl("../../overmap/Map/OvermapMap.qml")
-        mapLoader.source = QmlFilesystem.fileExists(beside) ? beside : "qrc:///overmap/Map/OvermapMap.qml"
+        var url = QmlFilesystem.fileExists(beside) ? beside : "qrc:///overmap/Map/OvermapMap.qml"
+        if (mapLoader.source.toString() === url.toString())
+            return
+        mapLoader.settled = false
+        mapLoader.source = url
     }
 
     function bindFollowedObject() {
@@ -170,6 +174,9 @@ AbstractInstrument {
             property var center: item ? item.center : QtPositioning.coordinate(0, 0)
             property real scaling: item ? item.scaling : 1
             property real rotation: item ? item.rotation : 1
+            // False until the new item has taken the model's camera: the item's defaults must
+            // not be written back into the model while it is being made.
+            property bool settled: false
 
             Component.onCompleted: root.loadMap()
 
@@ -178,7 +185,7 @@ AbstractInstrument {
                     streetMapLoader.item.center = center
                 root.updateScale()
                 var model = root.instrumentModel
-                if (model && item && !(center.latitude === model.center.latitude
+                if (settled && model && item && !(center.latitude === model.center.latitude
                                        && center.longitude === model.center.longitude)) {
                     model.center = center
                     item.center = Qt.binding(function() { return root.instrumentModel.center })
@@ -187,7 +194,7 @@ AbstractInstrument {
             onScalingChanged: {
                 root.updateScale()
                 var model = root.instrumentModel
-                if (model && item && scaling !== model.zoomFactor) {
+                if (settled && model && item && scaling !== model.zoomFactor) {
                     model.zoomFactor = scaling
                     item.scaling = Qt.binding(function() { return root.instrumentModel.zoomFactor })
                 }
@@ -196,7 +203,7 @@ AbstractInstrument {
                 if (streetMapLoader.item)
                     streetMapLoader.item.bearing = rotation
                 var model = root.instrumentModel
-                if (model && item && rotation !== model.mapHeading) {
+                if (settled && model && item && rotation !== model.mapHeading) {
                     model.mapHeading = rotation
                     item.mapHeading = Qt.binding(function() { return root.instrumentModel.mapHeading })
                 }
@@ -223,6 +230,7 @@ AbstractInstrument {
                     return Theme.tinySpacing + (root.instrumentModel.showMap ? 25 : 0)
                 })
                 root.bindFollowedObject()
+                settled = true
                 if (streetMapLoader.item)
                     root.updateScale()
             }
