@@ -52,12 +52,12 @@ bool parseSize(const QString& text, QSize& size)
 
 void addOptions(QCommandLineParser& parser)
 {
-    for (const OptionSpec& spec : OPTIONS) {
-        if (spec.value_name != nullptr)
-            parser.addOption({QString::fromLatin1(spec.name), QString::fromLatin1(spec.description),
-                              QString::fromLatin1(spec.value_name)});
+    for (const OptionSpec& option : OPTIONS) {
+        if (option.value_name != nullptr)
+            parser.addOption({QString::fromLatin1(option.name), QString::fromLatin1(option.description),
+                              QString::fromLatin1(option.value_name)});
         else
-            parser.addOption({QString::fromLatin1(spec.name), QString::fromLatin1(spec.description)});
+            parser.addOption({QString::fromLatin1(option.name), QString::fromLatin1(option.description)});
     }
 }
 
@@ -141,11 +141,11 @@ QString hostUsageText()
     QString text =
         QStringLiteral("Usage: lumero [--setup FILE] [--data FILE ...] [--tiles DIR] [--time T] [options]\n"
                        "Shows a scene setup with its recordings on the map.\n\n");
-    for (const OptionSpec& spec : OPTIONS) {
-        QString left = QStringLiteral("  --") + QString::fromLatin1(spec.name);
-        if (spec.value_name != nullptr)
-            left += QLatin1Char(' ') + QString::fromLatin1(spec.value_name);
-        text += left.leftJustified(28) + QString::fromLatin1(spec.description) + QLatin1Char('\n');
+    for (const OptionSpec& option : OPTIONS) {
+        QString left = QStringLiteral("  --") + QString::fromLatin1(option.name);
+        if (option.value_name != nullptr)
+            left += QLatin1Char(' ') + QString::fromLatin1(option.value_name);
+        text += left.leftJustified(28) + QString::fromLatin1(option.description) + QLatin1Char('\n');
     }
     return text;
 }

@@ -173,16 +173,16 @@ protected:
         track->setStart(south);
         track->setEnd(direct(south, 0.0, 200.0));
         manager.addObject(track);
-        for (const CalculationSpec& spec : CALCULATIONS) {
-            auto calculation = std::make_shared<overmap::Calculation>(spec.id);
-            calculation->setName(spec.id == 1 ? first_name : spec.name);
+        for (const CalculationSpec& row : CALCULATIONS) {
+            auto calculation = std::make_shared<overmap::Calculation>(row.id);
+            calculation->setName(row.id == 1 ? first_name : row.name);
             calculation->setFrom(car);
-            calculation->setTo(spec.to_cone ? std::shared_ptr<overmap::GeoObject>(cone) : track);
-            calculation->setFromPoiIdx(spec.from_poi);
-            calculation->setUseFromPoi(spec.use_poi);
-            calculation->setDistanceType(spec.type);
-            calculation->setTrackTarget(spec.target);
-            calculation->setResultTransformation(spec.transformation);
+            calculation->setTo(row.to_cone ? std::shared_ptr<overmap::GeoObject>(cone) : track);
+            calculation->setFromPoiIdx(row.from_poi);
+            calculation->setUseFromPoi(row.use_poi);
+            calculation->setDistanceType(row.type);
+            calculation->setTrackTarget(row.target);
+            calculation->setResultTransformation(row.transformation);
             manager.addCalculation(calculation);
         }
         // A cone carried 10 m ahead of the car, in the car's frame.
@@ -219,41 +219,41 @@ protected:
     QExtensionModule m_module{"overmap", NODE};
 };
 
-/// The value that calculation @p spec has with the car at its sample @p second.
-double expected(const CalculationSpec& spec, int second)
+/// The value that calculation @p row has with the car at its sample @p second.
+double expected(const CalculationSpec& row, int second)
 {
     const GeoPosition car = carAt(second);
-    if (!spec.to_cone)
-        return spec.target == TrackTarget::EDGE ? TRACK_EAST - TRACK_WIDTH / 2 : TRACK_EAST;
-    if (spec.type == DistanceType::EUCLIDEAN)
+    if (!row.to_cone)
+        return row.target == TrackTarget::EDGE ? TRACK_EAST - TRACK_WIDTH / 2 : TRACK_EAST;
+    if (row.type == DistanceType::EUCLIDEAN)
         return distance(car, conePosition());
     const Point2D v = inFrame(atLocal(car, HEADING, POI.x, POI.y), HEADING, conePosition());
-    const double component = spec.type == DistanceType::X ? v.x : v.y;
-    return spec.transformation == ResultTransformation::INVERT     ? -component
-           : spec.transformation == ResultTransformation::ABSOLUTE ? std::fabs(component)
-                                                                   : component;
+    const double component = row.type == DistanceType::X ? v.x : v.y;
+    return row.transformation == ResultTransformation::INVERT     ? -component
+           : row.transformation == ResultTransformation::ABSOLUTE ? std::fabs(component)
+                                                                  : component;
 }
 
 TEST_F(CalculationExtensionTest, EveryDistanceTypeTrackTargetAndTransformationMatchesTheGeodesic)
 {
     m_module.setExtensionConfiguration(QString::fromStdString(sceneText(true)));
     QCalculationExtension extension(m_module, m_channels, m_fetcher);
-    for (const CalculationSpec& spec : CALCULATIONS) {
-        const auto channel = std::dynamic_pointer_cast<ferrin::ScalarChannel>(listed(spec.id));
-        ASSERT_TRUE(channel) << spec.name;
-        EXPECT_EQ(channel->getName(), spec.name);
+    for (const CalculationSpec& row : CALCULATIONS) {
+        const auto channel = std::dynamic_pointer_cast<ferrin::ScalarChannel>(listed(row.id));
+        ASSERT_TRUE(channel) << row.name;
+        EXPECT_EQ(channel->getName(), row.name);
         EXPECT_EQ(channel->getUnit(), "m");
         EXPECT_TRUE(channel->isUsed());
         EXPECT_EQ(channel->getChannelType(), 57) << "Calculation";
         for (const double time : {0.0, 3.5, 10.0}) {
             ferrin::Tick tick = ferrin::NO_TICK;
-            EXPECT_NEAR(channel->getValueAtTime(time, &tick), expected(spec, static_cast<int>(time)), 1e-3)
-                << spec.name << " at " << time;
+            EXPECT_NEAR(channel->getValueAtTime(time, &tick), expected(row, static_cast<int>(time)), 1e-3)
+                << row.name << " at " << time;
             EXPECT_EQ(tick, static_cast<ferrin::Tick>(time)) << "the car's sample the value belongs to";
         }
         EXPECT_NEAR(channel->calculateValue(0.0, 10.0, ferrin::CALC_MAX),
-                    std::max(expected(spec, 0), expected(spec, 10)), 1e-3)
-            << spec.name << ": monotonous over the drive";
+                    std::max(expected(row, 0), expected(row, 10)), 1e-3)
+            << row.name << ": monotonous over the drive";
     }
     const auto still = std::dynamic_pointer_cast<ferrin::ScalarChannel>(listed(7));
     ASSERT_TRUE(still);
