@@ -3,6 +3,7 @@
 #include <lum_calc_extension/calculation_scene.h>
 
 #include <lum_data/memory_time_base.h>
+#include <lum_data/scalar_calculation.h>
 
 #include <ferrin_core/tick_arithmetic.h>
 
@@ -163,59 +164,6 @@ std::shared_ptr<ferrin::ConfigItemStore> resultItems(const std::string& name)
     return items;
 }
 
-/// Minimum, maximum, mean and the sums for RMS of the values of a span.
-class Statistics
-{
-public:
-    void add(double value)
-    {
-        if (std::isnan(value))
-            return;
-        m_min = m_count == 0 ? value : std::min(m_min, value);
-        m_max = m_count == 0 ? value : std::max(m_max, value);
-        ++m_count;
-        // Welford's update keeps the AC part exact over long spans.
-        const double delta = value - m_mean;
-        m_mean += delta / static_cast<double>(m_count);
-        m_m2 += delta * (value - m_mean);
-        m_squares += value * value;
-    }
-
-    double result(std::int32_t type) const
-    {
-        if (m_count == 0)
-            return NaN;
-        const double n = static_cast<double>(m_count);
-        switch (type) {
-        case ferrin::CALC_AVERAGE:
-        case ferrin::CALC_AVERAGE_NO_USER_SCALING:
-            return m_mean;
-        case ferrin::CALC_RMS:
-        case ferrin::CALC_RMS_NO_USER_SCALING:
-            return std::sqrt(m_squares / n);
-        case ferrin::CALC_ACRMS:
-        case ferrin::CALC_ACRMS_NO_USER_SCALING:
-            return std::sqrt(m_m2 / n);
-        case ferrin::CALC_MIN:
-            return m_min;
-        case ferrin::CALC_MAX:
-            return m_max;
-        case ferrin::CALC_PEAK2PEAK:
-            return m_max - m_min;
-        default:
-            return NaN;
-        }
-    }
-
-private:
-    std::uint64_t m_count = 0;
-    double m_min = 0.0;
-    double m_max = 0.0;
-    double m_mean = 0.0;
-    double m_m2 = 0.0;
-    double m_squares = 0.0;
-};
-
 bool ResultReducedStream::readEntry(std::uint64_t index, std::uint8_t* out) const
 {
     const auto channel = m_channel.lock();
@@ -224,7 +172,7 @@ bool ResultReducedStream::readEntry(std::uint64_t index, std::uint8_t* out) cons
     const ferrin::TimeBase& time_base = *channel->getTimeBase();
     const ferrin::Tick first = index * m_factor;
     const ferrin::Tick last = first + m_factor - 1;
-    Statistics statistics;
+    lum::data::ScalarCalculation statistics;
     for (auto it = channel->clock()->getSampleIterator(first, daq::SEEK_AT_OR_AFTER);
          it->isValid() && it->getTimestamp() <= last; it->next())
         statistics.add(channel->valueAt(ferrin::tickToTime(it->getTimestamp(), time_base)));
@@ -355,13 +303,13 @@ daq::SamplePtr ResultChannel::getSampleAtTime(double time) const
 
 double ResultChannel::calculateValue(double start, double end, std::int32_t calculation_type) const
 {
-    if (calculation_type < ferrin::CALC_AVERAGE || calculation_type > ferrin::CALC_ACRMS_NO_USER_SCALING) {
+    if (!lum::data::ScalarCalculation::isKnown(calculation_type)) {
         UNI_LOG("lum_calc", SEV_ERROR) << "calculateValue: unknown calculation type " << calculation_type;
         return NaN;
     }
     if (!(start <= end))
         return NaN;
-    Statistics statistics;
+    lum::data::ScalarCalculation statistics;
     if (!m_clock) {
         statistics.add(valueAt(start));
         return statistics.result(calculation_type);
