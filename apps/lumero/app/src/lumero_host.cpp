@@ -1,7 +1,9 @@
 #include <lumero_app/lumero_host.h>
 
 #include <instrument_interface/instrument_model.h>
+#include <lum_calc_extension/qcalculation_extension.h>
 #include <lum_host/qextension_module.h>
+#include <overmap_replay/channel_list_fetcher.h>
 #include <overmap_replay/replay_inputs.h>
 #include <qchannel/qchannel.h>
 
@@ -104,6 +106,7 @@ LumeroHost::~LumeroHost()
     // before the channels it points at.
     m_engine.reset();
     delete m_instrument;
+    stopCalculations();
 }
 
 bool LumeroHost::start()
@@ -342,18 +345,42 @@ void LumeroHost::onRecordingsLoaded(std::shared_ptr<overmap_replay::LoadedRecord
 void LumeroHost::replaceChannels(std::shared_ptr<overmap_replay::LoadedRecordings> recordings)
 {
     qchannel::QChannelListModel* channels = m_app->getChannels();
+    stopCalculations();
     channels->clearAll();
     QList<QObject*> fresh;
     for (const auto& channel : recordings->manager->channels())
         fresh << new qchannel::QChannel(channel);
     channels->appendChannels(fresh);
     m_recordings = std::move(recordings);
+    startCalculations();
     m_time_bar->setRange(0.0, m_recordings->end_time, shortestSampleInterval(*m_recordings));
     m_app->applicationState()->setMode(IfApplicationState::REPLAY);
     QStringList names;
     for (const QString& path : m_recording_paths)
         names << QFileInfo(path).completeBaseName();
     m_app->applicationState()->setMeasurementName(names.join(QStringLiteral(", ")));
+}
+
+void LumeroHost::startCalculations()
+{
+    // The result channels reach the window's list through the recordings' manager, which
+    // the list follows; the first ones are in before the instrument looks for them.
+    qchannel::QChannelListModel* channels = m_app->getChannels();
+    m_recordings->manager->addListObserver(channels);
+    m_calculation_fetcher = std::make_unique<overmap_replay::ChannelListFetcher>(*m_recordings->manager);
+    m_calculations = std::make_unique<calc::QCalculationExtension>(*m_extension, *m_recordings->manager,
+                                                                   *m_calculation_fetcher);
+    channels->applyPendingChannelNotifications();
+}
+
+void LumeroHost::stopCalculations()
+{
+    if (m_recordings == nullptr)
+        return;
+    // The list stops following first: it clears the channels itself.
+    m_recordings->manager->removeListObserver(m_app->getChannels());
+    m_calculations.reset();
+    m_calculation_fetcher.reset();
 }
 
 void LumeroHost::createInstrument(const QVariantMap& settings)

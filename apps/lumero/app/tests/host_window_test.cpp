@@ -9,6 +9,7 @@
 #include <om_ui/qobject_manager.h>
 #include <om_ui/qposition_object.h>
 #include <om_ui/viewport.h>
+#include <qchannel/qchannel.h>
 #include <qchannel/qchannel_list_model.h>
 
 #include <uni_testing/qt_message_capture.h>
@@ -16,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include <cstdlib>
 
@@ -90,6 +92,21 @@ TEST(HostWindow, ShowsTheExampleAtSixtyFiveSecondsFromTheBuiltPlugin)
     EXPECT_NEAR(center.latitude(), 47.996798719261, 1e-9);
     EXPECT_NEAR(center.longitude(), 10.245669948843, 1e-9);
     EXPECT_GT(host.application()->getChannels()->rowCount(), 0);
+
+    // The setup's six calculations run in the host: their result channels are in the window's list.
+    for (std::uint32_t id = 1; id <= 6; ++id) {
+        const lum::qchannel::QChannel* result = host.application()->getChannels()->getChannelByID(
+            channel_config::ChannelID(0x7f, 0x40000000u + id));
+        ASSERT_NE(result, nullptr) << "calculation " << id;
+        EXPECT_EQ(result->unit(), QStringLiteral("m"));
+        bool ok = false;
+        EXPECT_TRUE(std::isfinite(result->valueAtTime(65.0).toDouble(&ok)) && ok) << "calculation " << id;
+    }
+    EXPECT_EQ(host.application()
+                  ->getChannels()
+                  ->getChannelByID(channel_config::ChannelID(0x7f, 0x40000001u))
+                  ->name(),
+              QStringLiteral("Gap car 1 front to car 2 front"));
 
     EXPECT_EQ(host.timeBar()->time(), 65.0);
     EXPECT_EQ(host.timeBar()->timeText(), QStringLiteral("1:05.00"));

@@ -25,6 +25,11 @@ class QQmlApplicationEngine;
 
 namespace overmap_replay {
 struct LoadedRecordings;
+class ChannelListFetcher;
+} // namespace overmap_replay
+
+namespace lum::calc {
+class QCalculationExtension;
 }
 
 namespace lum {
@@ -81,6 +86,8 @@ public:
     QSize windowSize() const { return m_options.window_size; }
     HostApplication* application() const { return m_app; }
     QString pluginFile() const { return m_plugins.pluginFile(); }
+    /// Works out the setup's calculations as result channels; null without recordings.
+    calc::QCalculationExtension* calculations() const { return m_calculations.get(); }
     QQuickWindow* window() const { return m_window; }
     /// True once the scene shows: recordings loaded (if any were asked for), instrument and view made.
     bool isReady() const { return m_ready; }
@@ -124,6 +131,9 @@ private:
     void reportError(const QString& text);
     void onRecordingsLoaded(std::shared_ptr<overmap_replay::LoadedRecordings> recordings, QStringList paths);
     void replaceChannels(std::shared_ptr<overmap_replay::LoadedRecordings> recordings);
+    /// The calculation extension on the present recordings' channels, and its end.
+    void startCalculations();
+    void stopCalculations();
     void createInstrument(const QVariantMap& settings);
     /// Points the instrument's camera at the setup's view (its centre and scale), or at the
     /// middle of its objects when the view names no place.
@@ -144,6 +154,8 @@ private:
     QPointer<im::InstrumentModel> m_instrument;
     /// The recordings whose channels are in the list: their samples live here.
     std::shared_ptr<overmap_replay::LoadedRecordings> m_recordings;
+    std::unique_ptr<overmap_replay::ChannelListFetcher> m_calculation_fetcher;
+    std::unique_ptr<calc::QCalculationExtension> m_calculations;
     QStringList m_recording_paths;
     std::unique_ptr<QQmlApplicationEngine> m_engine;
     QPointer<QQuickWindow> m_window;
