@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 namespace overmap_qml {
 
@@ -429,42 +430,59 @@ void QSceneItem::paint(QPainter* painter)
         return;
     }
     // What does not move with time (grid, image, tracks, cones) is drawn once for each view
-    // and then copied: during playback only the moving objects cost a frame.
+    // and then copied: during playback only the moving objects cost a frame. The layer
+    // reaches past the view by a margin, so that a view that only moves (a followed object,
+    // a drag) shifts the copy instead of drawing it anew.
     const QSize size(static_cast<int>(std::ceil(width())), static_cast<int>(std::ceil(height())));
     auto* filter = qobject_cast<overmap_ui::PositionObjectsFilteredModel*>(m_objects_model.data());
-    const StillKey key{m_viewport->center(), m_viewport->rotation(), m_viewport->scaling(), size,
+    const StillKey key{m_viewport->rotation(), m_viewport->scaling(), size,
                        filter ? filter->getFilteredIds() : std::set<int>()};
+    QPoint shift;
+    if (m_still_valid && key == m_still_key) {
+        // Same turn and scale: moving the centre moves every point by the same pixels.
+        const QPointF drawn_center =
+            m_viewport->projectGPSToScreen(m_still_center) - QPointF(width() * 0.5, height() * 0.5);
+        shift = drawn_center.toPoint();
+        if (std::abs(shift.x()) > STILL_MARGIN || std::abs(shift.y()) > STILL_MARGIN)
+            m_still_valid = false;
+    }
     if (!m_still_valid || !(key == m_still_key)) {
-        m_still_layer = QImage(size, QImage::Format_ARGB32_Premultiplied);
+        shift = QPoint();
+        const QRectF reach =
+            boundingRect().adjusted(-STILL_MARGIN, -STILL_MARGIN, STILL_MARGIN, STILL_MARGIN);
+        m_still_layer =
+            QImage(size + QSize(2 * STILL_MARGIN, 2 * STILL_MARGIN), QImage::Format_ARGB32_Premultiplied);
         m_still_layer.fill(m_background_color.alpha() > 0 ? m_background_color : QColor(Qt::transparent));
         QPainter still(&m_still_layer);
+        still.translate(STILL_MARGIN, STILL_MARGIN);
         still.setRenderHint(QPainter::Antialiasing, true);
         QFont font = still.font();
         font.setPixelSize(12);
         still.setFont(font);
         if (m_show_coordinate_system)
-            paintGrid(still);
+            paintGrid(still, reach);
         if (m_background_image_visible)
             paintBackgroundImage(still);
-        paintTracks(still, degreesToScreen());
-        paintPositionObjects(still, true);
+        paintTracks(still, degreesToScreen(), reach);
+        paintPositionObjects(still, true, reach.adjusted(-40.0, -40.0, 40.0, 40.0));
         m_still_key = key;
+        m_still_center = m_viewport->center();
         m_still_valid = true;
     }
     painter->setCompositionMode(QPainter::CompositionMode_Source);
-    painter->drawImage(QPointF(0.0, 0.0), m_still_layer);
+    painter->drawImage(QPointF(shift.x() - STILL_MARGIN, shift.y() - STILL_MARGIN), m_still_layer);
     painter->setCompositionMode(QPainter::CompositionMode_SourceOver);
     painter->setRenderHint(QPainter::Antialiasing, true);
     QFont font = painter->font();
     font.setPixelSize(12);
     painter->setFont(font);
     paintCalculations(*painter);
-    paintPositionObjects(*painter, false);
+    paintPositionObjects(*painter, false, boundingRect().adjusted(-40.0, -40.0, 40.0, 40.0));
     paintCompass(*painter);
     paintScaleBar(*painter);
 }
 
-void QSceneItem::paintGrid(QPainter& painter) const
+void QSceneItem::paintGrid(QPainter& painter, const QRectF& reach) const
 {
     // Lines every round number of metres along the view's own axes, through its centre's
     // multiples, so that the grid moves with the scene.
@@ -472,7 +490,7 @@ void QSceneItem::paintGrid(QPainter& painter) const
     const double step = roundStep(60.0 / scaling);
     const double pixels = step * scaling;
     const QPointF middle(width() * 0.5, height() * 0.5);
-    const double half_diagonal = std::hypot(width(), height()) * 0.5;
+    const double half_diagonal = std::hypot(reach.width(), reach.height()) * 0.5;
     const int lines = static_cast<int>(std::ceil(half_diagonal / pixels)) + 1;
     const double angle = -m_viewport->rotation();
     painter.save();
@@ -518,7 +536,7 @@ void QSceneItem::paintBackgroundImage(QPainter& painter)
     painter.restore();
 }
 
-void QSceneItem::paintTracks(QPainter& painter, const QTransform& to_screen)
+void QSceneItem::paintTracks(QPainter& painter, const QTransform& to_screen, const QRectF& reach)
 {
     overmap_ui::QObjectManager* manager = objectsManager();
     if (manager == nullptr)
@@ -531,11 +549,7 @@ void QSceneItem::paintTracks(QPainter& painter, const QTransform& to_screen)
         const TrackCache& cache = trackCache(track);
         if (cache.ribbon.size() < 3)
             continue;
-        const QRectF bounds = cache.bounds;
-        const QGeoCoordinate corners[4] = {
-            QGeoCoordinate(bounds.top(), bounds.left()), QGeoCoordinate(bounds.top(), bounds.right()),
-            QGeoCoordinate(bounds.bottom(), bounds.right()), QGeoCoordinate(bounds.bottom(), bounds.left())};
-        if (!m_viewport->isQuadInside(corners[0], corners[1], corners[2], corners[3]))
+        if (!to_screen.mapRect(cache.bounds).intersects(reach))
             continue;
         const QColor color = track->color();
         painter.setPen(Qt::NoPen);
@@ -617,11 +631,10 @@ void QSceneItem::paintCalculations(QPainter& painter) const
     painter.restore();
 }
 
-void QSceneItem::paintPositionObjects(QPainter& painter, bool still) const
+void QSceneItem::paintPositionObjects(QPainter& painter, bool still, const QRectF& visible) const
 {
     if (m_objects_model == nullptr)
         return;
-    const QRectF visible = boundingRect().adjusted(-40.0, -40.0, 40.0, 40.0);
     const double scaling = m_viewport->scaling();
     const bool cone_names = scaling >= 4.0;
     struct Label

@@ -102,6 +102,19 @@ TEST_F(MapItemWindowTest, CarsAndConeStandWhereTheViewportPutsThem)
     auto* cone = qobject_cast<overmap_ui::QPositionObject*>(geoModel()->objectsManager()->getObjectById(22));
     ASSERT_NE(cone, nullptr);
     EXPECT_TRUE(colorAt(picture, m_map->projectGPSToScreen(cone->position()), CONE_COLOR));
+
+    // A view that only moves shifts the picture of what stands still, by whole pixels; one that
+    // moves far draws it anew. Either way the cone stays where the viewport puts it.
+    const QPointF middle(m_map->width() / 2, m_map->height() / 2);
+    for (const QPointF& by : {QPointF(37.4, -21.6), QPointF(-23.0, 55.2), QPointF(300.0, 0.0)}) {
+        m_map->setCenter(m_map->projectScreenToGPS(middle + by));
+        const QPointF at = m_map->projectGPSToScreen(cone->position());
+        if (m_map->boundingRect().contains(at)) {
+            EXPECT_TRUE(colorAt(grab(), at, CONE_COLOR)) << "moved by " << by.x() << "," << by.y();
+        }
+    }
+    m_map->setCenter(cone->position());
+    EXPECT_TRUE(colorAt(grab(), middle, CONE_COLOR)) << "centred on the cone";
 }
 
 TEST_F(MapItemWindowTest, HidingACarRemovesItFromThePicture)

@@ -135,12 +135,13 @@ private:
     QTransform degreesToScreen() const;
     bool isHidden(int object_id) const;
 
-    void paintGrid(QPainter& painter) const;
+    /// @p reach: the pixels of the view (beyond its edges too) that the picture must cover.
+    void paintGrid(QPainter& painter, const QRectF& reach) const;
     void paintBackgroundImage(QPainter& painter);
-    void paintTracks(QPainter& painter, const QTransform& to_screen);
+    void paintTracks(QPainter& painter, const QTransform& to_screen, const QRectF& reach);
     void paintCalculations(QPainter& painter) const;
-    /// Either the objects that stand still (@p still) or those that move.
-    void paintPositionObjects(QPainter& painter, bool still) const;
+    /// Either the objects that stand still (@p still) or those that move, where they fall in @p visible.
+    void paintPositionObjects(QPainter& painter, bool still, const QRectF& visible) const;
     void paintCompass(QPainter& painter) const;
     void paintScaleBar(QPainter& painter) const;
 
@@ -157,17 +158,18 @@ private:
     bool m_background_image_visible = true;
     double m_background_image_opacity = 1.0;
     /// The view for which the still layer was drawn.
+    /// Pixels that the still layer reaches past each edge of the view.
+    static constexpr int STILL_MARGIN = 192;
     struct StillKey
     {
-        QGeoCoordinate center;
         double rotation = 0.0;
         double scaling = 0.0;
         QSize size;
         std::set<int> hidden;
         bool operator==(const StillKey& other) const
         {
-            return center == other.center && rotation == other.rotation && scaling == other.scaling &&
-                   size == other.size && hidden == other.hidden;
+            return rotation == other.rotation && scaling == other.scaling && size == other.size &&
+                   hidden == other.hidden;
         }
     };
 
@@ -182,6 +184,8 @@ private:
     QHash<QObject*, StillPlace> m_still_places;
     QImage m_still_layer;
     StillKey m_still_key;
+    /// The view's centre when the still layer was drawn.
+    QGeoCoordinate m_still_center;
     bool m_still_valid = false;
     QString m_image_path;
     QImage m_image;
