@@ -41,6 +41,9 @@ constexpr double PROBE_DEGREES = 1e-3;
 constexpr double SIMPLIFY_PIXELS = 0.75;
 constexpr double MIN_CAR_PIXELS = 14.0;
 constexpr double CONE_PIXELS = 9.0;
+/// How near a click must come to a cone or locator to take it.
+constexpr double PICK_PIXELS = 10.0;
+const QColor SELECTION_COLOR(20, 110, 220);
 const QColor GRID_COLOR(0, 0, 0, 28);
 const QColor TRACK_FILL(120, 120, 120, 90);
 const QColor CALCULATION_COLOR(106, 61, 154);
@@ -478,6 +481,7 @@ void QSceneItem::paint(QPainter* painter)
     painter->setFont(font);
     paintCalculations(*painter);
     paintPositionObjects(*painter, false, boundingRect().adjusted(-40.0, -40.0, 40.0, 40.0));
+    paintSelection(*painter);
     paintCompass(*painter);
     paintScaleBar(*painter);
 }
@@ -682,22 +686,9 @@ void QSceneItem::paintPositionObjects(QPainter& painter, bool still, const QRect
         }
     }
     for (const overmap_ui::QCar* car : cars) {
-        const overmap::Car& model = *car->carModel();
-        const QPointF reference = m_viewport->projectGPSToScreen(car->position());
-        QPolygonF contour;
-        for (const math_geo::Point2D& point : model.contourInLocalSystem()) {
-            const math_geo::GeoPosition geo = model.toGeo(point);
-            contour << m_viewport->projectGPSToScreen(QGeoCoordinate(geo.latitude, geo.longitude));
-        }
+        const QPolygonF contour = carOutline(*car);
         if (contour.size() < 3)
             continue;
-        // A car smaller than a finger's width on a wide view grows around its reference point.
-        const double length_pixels = std::max(car->length(), car->width()) * scaling;
-        if (length_pixels < MIN_CAR_PIXELS && length_pixels > 0.0) {
-            const double k = MIN_CAR_PIXELS / length_pixels;
-            for (QPointF& point : contour)
-                point = reference + (point - reference) * k;
-        }
         const QRectF extent = contour.boundingRect();
         if (!extent.intersects(visible))
             continue;
@@ -710,6 +701,89 @@ void QSceneItem::paintPositionObjects(QPainter& painter, bool still, const QRect
     }
     for (const Label& label : labels)
         drawHaloText(painter, label.at, label.text, label.color);
+    painter.restore();
+}
+
+QPolygonF QSceneItem::carOutline(const overmap_ui::QCar& car) const
+{
+    const overmap::Car& model = *car.carModel();
+    const QPointF reference = m_viewport->projectGPSToScreen(car.position());
+    QPolygonF contour;
+    for (const math_geo::Point2D& point : model.contourInLocalSystem()) {
+        const math_geo::GeoPosition geo = model.toGeo(point);
+        contour << m_viewport->projectGPSToScreen(QGeoCoordinate(geo.latitude, geo.longitude));
+    }
+    // A car smaller than a finger's width on a wide view grows around its reference point.
+    const double length_pixels = std::max(car.length(), car.width()) * m_viewport->scaling();
+    if (length_pixels < MIN_CAR_PIXELS && length_pixels > 0.0) {
+        const double k = MIN_CAR_PIXELS / length_pixels;
+        for (QPointF& point : contour)
+            point = reference + (point - reference) * k;
+    }
+    return contour;
+}
+
+void QSceneItem::setSelectedObject(QObject* object)
+{
+    if (object == m_selected)
+        return;
+    m_selected = object;
+    Q_EMIT selectedObjectChanged();
+    update();
+}
+
+QObject* QSceneItem::positionObjectAt(const QPointF& point) const
+{
+    if (m_objects_model == nullptr || m_viewport == nullptr)
+        return nullptr;
+    // Cars are drawn over the rest, later rows over earlier ones: search from the top.
+    QObject* nearest = nullptr;
+    double nearest_distance = PICK_PIXELS;
+    for (int row = m_objects_model->rowCount() - 1; row >= 0; --row) {
+        auto* object = qobject_cast<QPositionObject*>(
+            m_objects_model->index(row, 0).data(QObjectListModel::OBJECT_ROLE).value<QObject*>());
+        if (object == nullptr || isHidden(object->objectId()) || !object->position().isValid())
+            continue;
+        if (auto* car = qobject_cast<overmap_ui::QCar*>(object)) {
+            if (carOutline(*car).containsPoint(point, Qt::OddEvenFill))
+                return car;
+            continue;
+        }
+        const QPointF at = m_viewport->projectGPSToScreen(object->position());
+        const double distance = std::hypot(at.x() - point.x(), at.y() - point.y());
+        if (distance <= nearest_distance) {
+            nearest = object;
+            nearest_distance = distance;
+        }
+    }
+    return nearest;
+}
+
+bool QSceneItem::isMovable(QObject* object) const
+{
+    auto* position = qobject_cast<QPositionObject*>(object);
+    return position != nullptr && standsStill(*position);
+}
+
+void QSceneItem::paintSelection(QPainter& painter) const
+{
+    auto* object = qobject_cast<QPositionObject*>(m_selected.data());
+    if (object == nullptr || isHidden(object->objectId()) || !object->position().isValid())
+        return;
+    QRectF box;
+    if (auto* car = qobject_cast<overmap_ui::QCar*>(object))
+        box = carOutline(*car).boundingRect();
+    const QPointF at = m_viewport->projectGPSToScreen(object->position());
+    if (box.isEmpty())
+        box = QRectF(at, QSizeF()).adjusted(-PICK_PIXELS, -PICK_PIXELS, PICK_PIXELS, PICK_PIXELS);
+    const QPointF middle = box.center();
+    const double radius = std::hypot(box.width(), box.height()) * 0.5 + 4.0;
+    painter.save();
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(QColor(255, 255, 255, 230), 4.0));
+    painter.drawEllipse(middle, radius, radius);
+    painter.setPen(QPen(SELECTION_COLOR, 2.0, Qt::DashLine));
+    painter.drawEllipse(middle, radius, radius);
     painter.restore();
 }
 

@@ -13,6 +13,8 @@
 #include <om_ui/qobject_manager.h>
 #include <om_ui/viewport.h>
 
+#include <lum_host/qextension_module.h>
+
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -152,6 +154,60 @@ TEST_F(MapItemWindowTest, HeadingUpTurnsTheCarNoseUp)
     EXPECT_TRUE(colorAt(picture, reference + QPointF(0.0, along), CAR1_COLOR));
     EXPECT_FALSE(colorAt(picture, reference + QPointF(across, 0.0), CAR1_COLOR));
     EXPECT_FALSE(colorAt(picture, reference + QPointF(-across, 0.0), CAR1_COLOR));
+}
+
+// A click selects; a drag that starts on an object standing still moves it (and, through the
+// model, the setup) when objects are movable, and pans the view otherwise or on a car.
+TEST_F(MapItemWindowTest, ClickSelectsAndDragMovesOnlyWhatStandsStill)
+{
+    auto* cone = qobject_cast<overmap_ui::QPositionObject*>(geoModel()->objectsManager()->getObjectById(22));
+    ASSERT_NE(cone, nullptr);
+    m_map->setCenter(cone->position());
+    grab();
+    const QPoint middle(m_map->width() / 2, m_map->height() / 2);
+    const auto drag = [&](QPoint from, QPoint to) {
+        QTest::mousePress(m_view.get(), Qt::LeftButton, Qt::NoModifier, from);
+        QTest::mouseMove(m_view.get(), (from + to) / 2);
+        QTest::mouseMove(m_view.get(), to);
+        QTest::mouseRelease(m_view.get(), Qt::LeftButton, Qt::NoModifier, to);
+    };
+
+    QTest::mouseClick(m_view.get(), Qt::LeftButton, Qt::NoModifier, middle + QPoint(3, -2));
+    EXPECT_EQ(m_map->property("selectedObject").value<QObject*>(), cone);
+    QTest::mouseClick(m_view.get(), Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
+    EXPECT_EQ(m_map->property("selectedObject").value<QObject*>(), nullptr) << "nothing there";
+
+    const std::string text_before = geoModel()->extension()->getExtensionConfiguration().toStdString();
+    const QGeoCoordinate view_center = m_map->center();
+    drag(middle, middle + QPoint(60, 40));
+    const QPointF dropped = m_map->projectGPSToScreen(cone->position());
+    EXPECT_NEAR(dropped.x(), middle.x() + 60, 1.0);
+    EXPECT_NEAR(dropped.y(), middle.y() + 40, 1.0);
+    EXPECT_EQ(m_map->center(), view_center) << "moving an object does not pan";
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return geoModel()->extension()->getExtensionConfiguration().toStdString() != text_before;
+    })) << "the move is written to the setup";
+    EXPECT_TRUE(colorAt(grab(), dropped, CONE_COLOR)) << "drawn where it was dropped";
+
+    // Not movable: the same drag pans, the cone keeps its place on the ground.
+    m_map->setProperty("objectsMovable", false);
+    const QGeoCoordinate placed = cone->position();
+    drag(dropped.toPoint(), dropped.toPoint() + QPoint(-30, 0));
+    EXPECT_EQ(cone->position(), placed);
+    EXPECT_NE(m_map->center(), view_center);
+
+    // A car moves with its channels: a drag on it pans even when objects are movable.
+    m_map->setProperty("objectsMovable", true);
+    m_map->setCenter(car(1)->centerPosition());
+    grab();
+    const QGeoCoordinate car_place = car(1)->position();
+    drag(middle, middle + QPoint(20, 20));
+    EXPECT_EQ(car(1)->position(), car_place);
+    EXPECT_NE(m_map->center(), car(1)->centerPosition()) << "panned";
+    m_map->setProperty("selectable", false);
+    QTest::mouseClick(m_view.get(), Qt::LeftButton, Qt::NoModifier,
+                      m_map->projectGPSToScreen(cone->position()).toPoint());
+    EXPECT_EQ(m_map->property("selectedObject").value<QObject*>(), nullptr) << "not selectable";
 }
 
 TEST_F(MapItemWindowTest, WheelZoomsAroundThePointerAndDragPans)

@@ -20,6 +20,7 @@
 #include <vector>
 
 namespace overmap_ui {
+class QCar;
 class QPositionObject;
 class QTrack;
 } // namespace overmap_ui
@@ -52,6 +53,8 @@ class QSceneItem : public QQuickPaintedItem
                    NOTIFY backgroundImageOpacityChanged)
     Q_PROPERTY(overmap_ui::ReferencePlane* referencePlane READ referencePlane WRITE setReferencePlane NOTIFY
                    referencePlaneChanged)
+    Q_PROPERTY(
+        QObject* selectedObject READ selectedObject WRITE setSelectedObject NOTIFY selectedObjectChanged)
 
 public:
     /// Colours of the locator by its quality ranges: the first range that holds the value
@@ -87,6 +90,17 @@ public:
     overmap_ui::ReferencePlane* referencePlane() const { return m_reference_plane; }
     void setReferencePlane(overmap_ui::ReferencePlane* plane);
 
+    /// Drawn with a ring around it; null for none.
+    QObject* selectedObject() const { return m_selected; }
+    void setSelectedObject(QObject* object);
+
+    /// The shown position object drawn at @p point (pixels of the item), the topmost where
+    /// several are: a car by its contour, any other within a few pixels of its place. Null
+    /// where there is none.
+    Q_INVOKABLE QObject* positionObjectAt(const QPointF& point) const;
+    /// Whether a drag may move @p object: it stands still (no channel, no reference object).
+    Q_INVOKABLE bool isMovable(QObject* object) const;
+
     /// The manager whose objects the model lists; null without a model or objects.
     overmap_ui::QObjectManager* objectsManager() const;
     /// The colour the locator is drawn in at the display time.
@@ -109,6 +123,7 @@ Q_SIGNALS:
     void backgroundImageVisibleChanged();
     void backgroundImageOpacityChanged();
     void referencePlaneChanged();
+    void selectedObjectChanged();
 
 private Q_SLOTS:
     void scheduleUpdate();
@@ -142,6 +157,9 @@ private:
     void paintCalculations(QPainter& painter) const;
     /// Either the objects that stand still (@p still) or those that move, where they fall in @p visible.
     void paintPositionObjects(QPainter& painter, bool still, const QRectF& visible) const;
+    void paintSelection(QPainter& painter) const;
+    /// Where @p car is drawn: its contour, grown to a minimum size on wide views.
+    QPolygonF carOutline(const overmap_ui::QCar& car) const;
     void paintCompass(QPainter& painter) const;
     void paintScaleBar(QPainter& painter) const;
 
@@ -149,6 +167,7 @@ private:
     QPointer<QAbstractItemModel> m_objects_model;
     QPointer<overmap_ui::QObjectManager> m_watched_manager;
     QPointer<overmap_ui::ReferencePlane> m_reference_plane;
+    QPointer<QObject> m_selected;
     double m_display_time = 0.0;
     QColor m_background_color = Qt::white;
     bool m_show_coordinate_system = true;

@@ -4,6 +4,8 @@ import Overmap 1.0
 // The map item: the viewport (center, scaling and rotation in pixels per metre and degrees)
 // with the painted scene over it, panned with the mouse and zoomed with the wheel around
 // the pointer. A followed object stays in the middle; with headingUp its heading points up.
+// When selectable, a click takes the object under the pointer as selectedObject; when
+// objectsMovable, a drag that starts on an object standing still moves it (and so the setup).
 Viewport {
     id: root
 
@@ -20,6 +22,7 @@ Viewport {
     property real backgroundImageOpacity: 1.0
     property real scaleBottomMargin: 0
     property var positionObjectToFollow: null
+    property var selectedObject: null
     property real displayTime: 0
     property var referencePlane: null
     readonly property alias scene: scene
@@ -61,16 +64,38 @@ Viewport {
         scaleBottomMargin: root.scaleBottomMargin
         backgroundImageVisible: root.backgroundImageVisible
         backgroundImageOpacity: root.backgroundImageOpacity
+        selectedObject: root.selectable ? root.selectedObject : null
     }
+
+    onSelectableChanged: if (!selectable) selectedObject = null
 
     MouseArea {
         id: mouse
         anchors.fill: parent
         enabled: !root.printMode
         property point last
+        property var moving: null
+        property point grabOffset
 
-        onPressed: last = Qt.point(mouse.x, mouse.y)
+        onPressed: {
+            last = Qt.point(mouse.x, mouse.y)
+            moving = null
+            if (root.objectsMovable) {
+                var taken = scene.positionObjectAt(last)
+                if (taken && scene.isMovable(taken)) {
+                    moving = taken
+                    var at = root.projectGPSToScreen(taken.position)
+                    grabOffset = Qt.point(at.x - mouse.x, at.y - mouse.y)
+                }
+            }
+        }
+        onReleased: moving = null
+        onClicked: if (root.selectable) root.selectedObject = scene.positionObjectAt(Qt.point(mouse.x, mouse.y))
         onPositionChanged: {
+            if (moving) {
+                moving.position = root.toCoordinate(Qt.point(mouse.x + grabOffset.x, mouse.y + grabOffset.y))
+                return
+            }
             // The point under the pointer stays under it: the centre moves against the drag.
             var middle = Qt.point(root.width / 2 - (mouse.x - last.x), root.height / 2 - (mouse.y - last.y))
             root.center = root.toCoordinate(middle)
