@@ -379,6 +379,61 @@ TEST(HostWindow, TheTileFolderIsRememberedAndRemakesTheView)
     EXPECT_EQ(again.tileFolder(), other_tiles.path());
 }
 
+// Tiles of one colour in the flat folder that the osm plug-in reads offline, named as it
+// looks them up, around the example's place at every zoom the view may choose.
+void writeTiles(const QString& folder, const QColor& colour)
+{
+    QImage tile(256, 256, QImage::Format_RGB32);
+    tile.fill(colour);
+    const double latitude = 47.9968 * M_PI / 180.0;
+    const double longitude = 10.2457;
+    for (int z = 12; z <= 19; ++z) {
+        const double n = std::pow(2.0, z);
+        const int x = static_cast<int>((longitude + 180.0) / 360.0 * n);
+        const int y = static_cast<int>(
+            (1.0 - std::log(std::tan(latitude) + 1.0 / std::cos(latitude)) / M_PI) / 2.0 * n);
+        for (int dx = -3; dx <= 3; ++dx) {
+            for (int dy = -3; dy <= 3; ++dy) {
+                const QString name =
+                    QStringLiteral("osm_100-l-1-%1-%2-%3.png").arg(z).arg(x + dx).arg(y + dy);
+                ASSERT_TRUE(tile.save(folder + QLatin1Char('/') + name)) << name.toStdString();
+            }
+        }
+    }
+}
+
+TEST(HostWindow, StreetMapShowsFromTheTileFolderOffline)
+{
+    QTemporaryDir tiles;
+    ASSERT_TRUE(tiles.isValid());
+    const QColor magenta(230, 20, 200);
+    writeTiles(tiles.path(), magenta);
+    lum::HostOptions options = exampleOptions();
+    options.tile_folder = tiles.path();
+    lum::LumeroHost host(options);
+    ASSERT_TRUE(host.start());
+    ASSERT_TRUE(waitForFirstFrame(host)) << host.errorText().toStdString();
+    // Tiles arrive on their own time, even from files: count the map's pixels in their colour.
+    QQuickItem* view = qobject_cast<QQuickItem*>(host.viewItem());
+    ASSERT_NE(view, nullptr);
+    const qreal ratio = host.window()->devicePixelRatio();
+    const auto tiled = [&] {
+        const QImage picture = host.grab();
+        int hits = 0;
+        int samples = 0;
+        for (double fx = 0.05; fx < 1.0; fx += 0.1) {
+            for (double fy = 0.05; fy < 1.0; fy += 0.1) {
+                const QPointF at = view->mapToScene(QPointF(view->width() * fx, view->height() * fy)) * ratio;
+                ++samples;
+                hits += colourNear(picture, at.toPoint(), magenta, 0) ? 1 : 0;
+            }
+        }
+        return hits * 2 > samples;
+    };
+    EXPECT_TRUE(QTest::qWaitFor(tiled, 30000)) << "most of the view shows the folder's tiles";
+    saveGrab(host.grab(), QStringLiteral("host_tile_folder.png"));
+}
+
 TEST(HostWindow, SavingWritesTheSetupAndNeedsAFile)
 {
     QTemporaryDir folder;
