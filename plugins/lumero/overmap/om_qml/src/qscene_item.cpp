@@ -599,6 +599,8 @@ void QSceneItem::paintCalculations(QPainter& painter) const
         return best >= 0.0;
     };
     painter.save();
+    std::vector<QRectF> placed;
+    std::vector<QString> texts;
     for (QObject* object : manager->calculations()->list()) {
         auto* calculation = qobject_cast<overmap_ui::QCalculation*>(object);
         if (calculation == nullptr)
@@ -628,9 +630,34 @@ void QSceneItem::paintCalculations(QPainter& painter) const
         painter.drawLine(a, b);
         const QString text = calculationText(calculation->calcId());
         if (!text.isEmpty()) {
-            const double text_width = QFontMetricsF(painter.font()).horizontalAdvance(text);
-            drawHaloText(painter, (a + b) / 2 + QPointF(-text_width / 2, -5.0), text, CALCULATION_COLOR);
+            // On a light box: the value stays legible over tracks, cones and the street map.
+            const QFontMetricsF metrics(painter.font());
+            const QPointF baseline = (a + b) / 2 + QPointF(-metrics.horizontalAdvance(text) / 2, -5.0);
+            QRectF box = QRectF(baseline.x(), baseline.y() - metrics.ascent(),
+                                metrics.horizontalAdvance(text), metrics.height())
+                             .adjusted(-3.0, -1.0, 3.0, 1.0);
+            // Short distances between the same objects would stack their labels: each moves up
+            // until it stands free.
+            for (bool moved = true; moved;) {
+                moved = false;
+                for (const QRectF& taken : placed) {
+                    if (taken.intersects(box)) {
+                        box.moveBottom(taken.top() - 1.0);
+                        moved = true;
+                    }
+                }
+            }
+            placed.push_back(box);
+            texts.push_back(text);
         }
+    }
+    // Over every line, so that no line crosses a value.
+    const double ascent = QFontMetricsF(painter.font()).ascent();
+    painter.setPen(QPen(CALCULATION_COLOR, 0.0));
+    painter.setBrush(QColor(255, 255, 255, 215));
+    for (std::size_t i = 0; i < placed.size(); ++i) {
+        painter.drawRoundedRect(placed[i], 3.0, 3.0);
+        painter.drawText(QPointF(placed[i].left() + 3.0, placed[i].top() + 1.0 + ascent), texts[i]);
     }
     painter.restore();
 }
