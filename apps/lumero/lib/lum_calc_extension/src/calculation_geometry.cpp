@@ -4,6 +4,7 @@
 #include <om_model/position_object.h>
 #include <om_model/track.h>
 
+#include <math_geo/earth_model.h>
 #include <math_geo/geo_tools.h>
 #include <math_geo/projection_plane.h>
 
@@ -17,7 +18,7 @@ using math_geo::Point2D;
 
 namespace {
 
-constexpr double RAD_TO_DEG = 57.29577951308232;
+using math_geo::earth::RAD_TO_DEG;
 /// Largest gap between a swept arc's chords and the arc, metres: well below what a GPS
 /// position can tell.
 constexpr double ARC_TOLERANCE = 1e-4;

@@ -1,3 +1,4 @@
+#include "calc_log.h"
 #include <lum_calc_extension/qcalculation_extension.h>
 
 #include <lum_calc_extension/calculation_scene.h>
@@ -62,7 +63,7 @@ bool QCalculationExtension::rebuild()
     std::shared_ptr<CalculationScene> scene =
         CalculationScene::read(m_extension.getExtensionConfiguration().toStdString(), m_fetcher);
     if (!scene) {
-        UNI_LOG("lum_calc", SEV_ERROR) << "Unable to load overmap setup for the calculations";
+        UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR) << "Unable to load overmap setup for the calculations";
         return false;
     }
     m_scene = scene;

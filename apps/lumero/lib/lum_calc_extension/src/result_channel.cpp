@@ -1,3 +1,4 @@
+#include "calc_log.h"
 #include <lum_calc_extension/result_channel.h>
 
 #include <lum_calc_extension/calculation_scene.h>
@@ -304,7 +305,8 @@ daq::SamplePtr ResultChannel::getSampleAtTime(double time) const
 double ResultChannel::calculateValue(double start, double end, std::int32_t calculation_type) const
 {
     if (!lum::data::ScalarCalculation::isKnown(calculation_type)) {
-        UNI_LOG("lum_calc", SEV_ERROR) << "calculateValue: unknown calculation type " << calculation_type;
+        UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR)
+            << "calculateValue: unknown calculation type " << calculation_type;
         return NaN;
     }
     if (!(start <= end))

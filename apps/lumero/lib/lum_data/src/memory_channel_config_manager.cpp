@@ -1,3 +1,4 @@
+#include "lum_data_log.h"
 #include <lum_data/memory_channel_config_manager.h>
 
 #include <uni_base/uni_log.h>
@@ -7,10 +8,6 @@
 #include <utility>
 
 namespace lum::data {
-
-namespace {
-constexpr const char* LOG_CHANNEL = "lum_data";
-}
 
 void MemoryChannelConfigManager::addChannel(std::shared_ptr<ferrin::Channel> channel)
 {
@@ -124,7 +121,8 @@ bool MemoryChannelConfigManager::applyConfigRequests(const ferrin_config::Config
     if (timeout_ms == 0) {
         lock.lock();
     } else if (!lock.try_lock_for(std::chrono::milliseconds(timeout_ms))) {
-        UNI_LOG(LOG_CHANNEL, SEV_NOTE) << "configuration change timed out after " << timeout_ms << " ms";
+        UNI_LOG(detail::LOG_CHANNEL, SEV_NOTE)
+            << "configuration change timed out after " << timeout_ms << " ms";
         return false;
     }
 
@@ -134,7 +132,7 @@ bool MemoryChannelConfigManager::applyConfigRequests(const ferrin_config::Config
     for (const ferrin_config::ConfigRequest& request : requests) {
         const std::string problem = checkRequest(request, force);
         if (!problem.empty()) {
-            UNI_LOG(LOG_CHANNEL, SEV_ERROR) << "configuration request refused: " << problem;
+            UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR) << "configuration request refused: " << problem;
             return false;
         }
         targets.push_back(channel(request.channel_id));
@@ -166,7 +164,7 @@ bool MemoryChannelConfigManager::applyChannelAction(const std::string& key,
             handler = it->second;
     }
     if (!handler) {
-        UNI_LOG(LOG_CHANNEL, SEV_ERROR) << "no handler for channel action " << key;
+        UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR) << "no handler for channel action " << key;
         return false;
     }
     return handler(channels, time);

@@ -1,3 +1,4 @@
+#include "lum_data_log.h"
 #include <lum_data/recording_channels.h>
 
 #include <lum_data/async_scalar_channel.h>
@@ -93,7 +94,7 @@ makeRecordingChannels(const lum::import::Recording& recording, MemoryChannelConf
     for (const lum::import::ImportedChannel& imported : recording.channels) {
         ++local_id;
         if (imported.times.size() != imported.values.size() || imported.times.empty()) {
-            UNI_LOG("lum_data", SEV_ERROR)
+            UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR)
                 << "channel " << imported.name << " of " << recording.source << " has no usable samples";
             continue;
         }

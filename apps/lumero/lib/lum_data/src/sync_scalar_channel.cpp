@@ -1,3 +1,4 @@
+#include "lum_data_log.h"
 #include <lum_data/sync_scalar_channel.h>
 
 #include "reduced_setup.h"
@@ -164,7 +165,8 @@ std::unique_ptr<ferrin::IfSampleIterator> SyncScalarChannel::getSampleIterator(f
             index = std::min(tick, count - 1);
         break;
     default:
-        UNI_LOG("lum_data", SEV_ERROR) << "getSampleIterator: unknown seek mode " << static_cast<int>(mode);
+        UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR)
+            << "getSampleIterator: unknown seek mode " << static_cast<int>(mode);
         break;
     }
     return std::make_unique<SyncIterator>(m_values, index);

@@ -1,3 +1,4 @@
+#include "qchannel_log.h"
 #include <qchannel/qchannel.h>
 
 #include "config_item_conversion.h"
@@ -43,7 +44,6 @@ namespace lum::qchannel {
 
 namespace {
 
-constexpr const char* LOGGER = "QCHANNEL";
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
 QVariant nanVariant()
@@ -86,7 +86,7 @@ QChannel::QChannel(std::shared_ptr<ferrin::Channel> channel, QObject* parent)
 
 QChannel::~QChannel()
 {
-    emit destroying(this);
+    Q_EMIT destroying(this);
     unregisterObserver(m_ferrin_channel);
     m_ferrin_channel.reset();
     m_ferrin_scalar_channel.reset();
@@ -489,7 +489,8 @@ QStringList QChannel::getConstraintDescriptions(const QString& key) const
         return lum::detail::ConfigConstraintsToStringVisitor::describe(
             m_ferrin_channel->getConstraints(key.toStdString()));
     } catch (const std::invalid_argument& error) {
-        UNI_LOG(LOGGER, SEV_ERROR) << "Constraints of " << key.toStdString() << ": " << error.what();
+        UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR)
+            << "Constraints of " << key.toStdString() << ": " << error.what();
         return {};
     }
 }
@@ -704,8 +705,8 @@ bool QChannel::isStored() const
     try {
         return m_ferrin_channel->isStored();
     } catch (const std::exception& error) {
-        UNI_LOG(LOGGER, SEV_ERROR) << "Ferrin/Stored of channel " << getChannelId().toStdString() << ": "
-                                   << error.what();
+        UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR)
+            << "Ferrin/Stored of channel " << getChannelId().toStdString() << ": " << error.what();
         return false;
     }
 }
@@ -839,12 +840,12 @@ bool QChannel::isChannelActionAvailable(const QString& key) const
 
 void QChannel::applyChannelAction(const QString& key, double time)
 {
-    UNI_LOG(LOGGER, SEV_NOTICE) << "applyChannelAction " << key.toStdString();
+    UNI_LOG(detail::LOG_CHANNEL, SEV_NOTICE) << "applyChannelAction " << key.toStdString();
     if (!m_ferrin_channel)
         return;
     if (m_action_watcher.isRunning()) {
-        UNI_LOG(LOGGER, SEV_NOTE) << "Skipping ChannelAction " << key.toStdString()
-                                  << " because there is already another action in progress!";
+        UNI_LOG(detail::LOG_CHANNEL, SEV_NOTE) << "Skipping ChannelAction " << key.toStdString()
+                                               << " because there is already another action in progress!";
         return;
     }
     // The task holds its own reference to the channel, so that a replacement of the
@@ -852,7 +853,7 @@ void QChannel::applyChannelAction(const QString& key, double time)
     m_action_future = detail::runOnGlobalPool<void>([channel = m_ferrin_channel, std_key = key.toStdString(),
                                                      time] { channel->applyChannelAction(std_key, time); });
     m_action_watcher.setFuture(m_action_future);
-    emit channelActionInProgressChanged();
+    Q_EMIT channelActionInProgressChanged();
 }
 
 // ---------------------------------------------------------------------------------------
@@ -922,34 +923,34 @@ void QChannel::onChannelConfigItemChanged(channel_config::ChannelID channel_id, 
     if (!m_ferrin_channel)
         return;
     ferrin_config::QCellEditorConstraints* constraints = takeCachedConstraints(key);
-    emit configItemChanged(channel_id, key);
+    Q_EMIT configItemChanged(channel_id, key);
 
     if (key == QLatin1String("Used"))
-        emit usedChanged();
+        Q_EMIT usedChanged();
     else if (key == QLatin1String("Ferrin/Color")) {
         // A colour changes nothing else: no range signals, and the constraints taken
         // out above are not given deleteLater.
-        emit colorChanged(color());
+        Q_EMIT colorChanged(color());
         return;
     } else if (key == QLatin1String("Ferrin/Name")) {
-        emit nameChanged(name());
-        emit displayNameChanged();
+        Q_EMIT nameChanged(name());
+        Q_EMIT displayNameChanged();
     } else if (key == QLatin1String("Ferrin/DomainUrl")) {
-        emit domainChanged(QString::fromStdString(itemText("Ferrin/DomainUrl")));
-        emit displayNameChanged();
+        Q_EMIT domainChanged(QString::fromStdString(itemText("Ferrin/DomainUrl")));
+        Q_EMIT displayNameChanged();
     } else if (key == QLatin1String("Unit") || key == QLatin1String("Ferrin/PhysicalUnit"))
-        emit unitChanged();
+        Q_EMIT unitChanged();
     else if (key == QLatin1String("Ferrin/Stored"))
-        emit storedChanged();
+        Q_EMIT storedChanged();
     else if (key == QLatin1String("Visibility"))
-        emit hiddenChanged();
+        Q_EMIT hiddenChanged();
     else if (key == QLatin1String("SampleUpdateType"))
-        emit sampleOccurenceChanged();
+        Q_EMIT sampleOccurenceChanged();
     else if (key == QLatin1String("SampleDimension"))
-        emit sampleDimensionChanged();
+        Q_EMIT sampleDimensionChanged();
 
-    emit maxValChanged();
-    emit minValChanged();
+    Q_EMIT maxValChanged();
+    Q_EMIT minValChanged();
     if (constraints)
         constraints->deleteLater();
 }
@@ -974,14 +975,14 @@ void QChannel::updateFerrinChannel(std::shared_ptr<ferrin::Channel> new_channel)
     for (const std::string& key : m_ferrin_channel->getConfigKeys())
         onChannelConfigItemChanged(id, QString::fromStdString(key));
 
-    emit sampleValueTypeChanged();
+    Q_EMIT sampleValueTypeChanged();
     if (had_channel) {
         if (old_occurrence != sampleOccurence())
-            emit sampleOccurenceChanged();
+            Q_EMIT sampleOccurenceChanged();
         if (old_dimension != dimension())
-            emit sampleDimensionChanged();
+            Q_EMIT sampleDimensionChanged();
     }
-    emit ferrinChannelChanged(id);
+    Q_EMIT ferrinChannelChanged(id);
 }
 
 } // namespace lum::qchannel

@@ -1,3 +1,4 @@
+#include "qchannel_log.h"
 #include <qchannel/qchannel_list_model.h>
 
 #include "config_item_conversion.h"
@@ -26,7 +27,6 @@ namespace lum::qchannel {
 
 namespace {
 
-constexpr const char* LOGGER = "QCHANNEL";
 constexpr int NOTIFICATION_INTERVAL_MS = 100;
 /// A flood of messages that never ends must not hold the model's thread.
 constexpr int MAX_APPLY_PASSES = 9;
@@ -603,9 +603,9 @@ void QChannelListModel::handleConfigItemInListChanged(channel_config::ChannelID 
     if (key != QLatin1String("Used")) {
         const int row = rowOf(channel_id);
         if (row >= 0)
-            emit dataChanged(index(row), index(row), {});
+            Q_EMIT dataChanged(index(row), index(row), {});
     }
-    emit configItemInListChanged(channel_id, key);
+    Q_EMIT configItemInListChanged(channel_id, key);
 }
 
 void QChannelListModel::setConfigItemDirty(channel_config::ChannelID ch_id)
@@ -617,7 +617,7 @@ void QChannelListModel::setConfigItemDirty(channel_config::ChannelID ch_id)
     }
     const int row = rowOf(ch_id);
     if (row >= 0)
-        emit dataChanged(index(row), index(row), {});
+        Q_EMIT dataChanged(index(row), index(row), {});
 }
 
 void QChannelListModel::onFerrinChannelChanged(channel_config::ChannelID channel_id)
@@ -636,7 +636,7 @@ void QChannelListModel::onFerrinChannelChanged(channel_config::ChannelID channel
             putIdEntry(channel_id, channel);
         }
     }
-    emit ferrinChannelChanged(channel_id);
+    Q_EMIT ferrinChannelChanged(channel_id);
 }
 
 void QChannelListModel::onChannelDestroying(QChannel* channel)
@@ -940,7 +940,7 @@ void QChannelListModel::applyChannelAction(const QString& key, double time)
 {
     const std::string std_key = key.toStdString();
     if (!isChannelActionAvailable(key)) {
-        UNI_LOG(LOGGER, SEV_NOTE) << "ChannelAction " << std_key << " not available!";
+        UNI_LOG(detail::LOG_CHANNEL, SEV_NOTE) << "ChannelAction " << std_key << " not available!";
         return;
     }
     std::vector<channel_config::ChannelID> ids;
@@ -954,8 +954,8 @@ void QChannelListModel::applyChannelAction(const QString& key, double time)
     {
         const std::lock_guard<std::recursive_mutex> lock(m_action_lock);
         if (m_action_watcher.isRunning()) {
-            UNI_LOG(LOGGER, SEV_NOTE) << "Skipping ChannelAction " << std_key
-                                      << " because there is already another action in progress!";
+            UNI_LOG(detail::LOG_CHANNEL, SEV_NOTE) << "Skipping ChannelAction " << std_key
+                                                   << " because there is already another action in progress!";
             return;
         }
         if (!UNI_ASSERT_MSG(m_channel_config_manager != nullptr, "ChannelConfigManager is not set!"))
@@ -966,7 +966,7 @@ void QChannelListModel::applyChannelAction(const QString& key, double time)
         });
         m_action_watcher.setFuture(m_action_future);
     }
-    emit channelActionInProgressChanged();
+    Q_EMIT channelActionInProgressChanged();
 }
 
 void QChannelListModel::waitForChannelActionFinished()

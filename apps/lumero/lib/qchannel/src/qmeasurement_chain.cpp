@@ -1,3 +1,4 @@
+#include "qchannel_log.h"
 #include <qchannel/qmeasurement_chain.h>
 
 #include "config_constraints_to_string_visitor.h"
@@ -63,7 +64,8 @@ QStringList QMeasurementChainElement::getConstraints(const QString& key) const
         return detail::ConfigConstraintsToStringVisitor::describe(
             m_element.items->getConstraints(key.toStdString()));
     } catch (const std::invalid_argument& error) {
-        UNI_LOG("QCHANNEL", SEV_ERROR) << "Constraints of " << key.toStdString() << ": " << error.what();
+        UNI_LOG(qchannel::detail::LOG_CHANNEL, SEV_ERROR)
+            << "Constraints of " << key.toStdString() << ": " << error.what();
         return {};
     }
 }

@@ -1,5 +1,6 @@
 #include <om_model/track.h>
 
+#include <math_geo/earth_model.h>
 #include <math_geo/line_2d.h>
 #include <uni_base/uni_assert.h>
 
@@ -13,7 +14,6 @@ using math_geo::Point2D;
 
 namespace {
 
-constexpr double RAD_TO_DEG = 57.29577951308232;
 /// Where the three offset lines lie across the ribbon: first edge, centre line, second edge.
 constexpr std::array<double, 3> FRACTIONS{0.0, 0.5, 1.0};
 
@@ -200,7 +200,7 @@ void Track::buildPlanePoints() const
     UNI_ASSERT(m_track_origin == 0.5);
     const Point2D w = Point2D(0.0, m_width * 0.5, system).rotate(angle);
     const Point2D p1 = m_cached_plane.toPlane(m_positions[1]);
-    const double sweep = m_arc_length / m_radius * RAD_TO_DEG;
+    const double sweep = m_arc_length / m_radius * math_geo::earth::RAD_TO_DEG;
     const Point2D v = Point2D(0.0, m_width * 0.5, p1.getCoordinateSystem()).rotate(angle).rotate(-sweep);
     m_first_edge = {p0 + w, p1 + v};
     m_second_edge = {p0 - w, p1 - v};

@@ -43,6 +43,9 @@ constexpr double MIN_CAR_PIXELS = 14.0;
 constexpr double CONE_PIXELS = 9.0;
 /// How near a click must come to a cone or locator to take it.
 constexpr double PICK_PIXELS = 10.0;
+/// A value's box moves out from its line in these steps while it covers something.
+constexpr double LABEL_STEP_PIXELS = 6.0;
+constexpr int LABEL_TRIES = 8;
 const QColor SELECTION_COLOR(20, 110, 220);
 const QColor GRID_COLOR(0, 0, 0, 28);
 const QColor TRACK_FILL(120, 120, 120, 90);
@@ -601,6 +604,22 @@ void QSceneItem::paintCalculations(QPainter& painter) const
     painter.save();
     std::vector<QRectF> placed;
     std::vector<QString> texts;
+    // Where the cones and locators in sight are drawn: values keep off them.
+    std::vector<QRectF> marks;
+    if (m_objects_model != nullptr) {
+        const QRectF visible = boundingRect();
+        for (int row = 0; row < m_objects_model->rowCount(); ++row) {
+            auto* object = qobject_cast<QPositionObject*>(
+                m_objects_model->index(row, 0).data(QObjectListModel::OBJECT_ROLE).value<QObject*>());
+            if (object == nullptr || qobject_cast<overmap_ui::QCar*>(object) != nullptr ||
+                isHidden(object->objectId()) || !object->position().isValid())
+                continue;
+            const QPointF at = m_viewport->projectGPSToScreen(object->position());
+            if (visible.contains(at))
+                marks.emplace_back(at - QPointF(PICK_PIXELS, PICK_PIXELS),
+                                   QSizeF(2 * PICK_PIXELS, 2 * PICK_PIXELS));
+        }
+    }
     for (QObject* object : manager->calculations()->list()) {
         auto* calculation = qobject_cast<overmap_ui::QCalculation*>(object);
         if (calculation == nullptr)
@@ -630,22 +649,40 @@ void QSceneItem::paintCalculations(QPainter& painter) const
         painter.drawLine(a, b);
         const QString text = calculationText(calculation->calcId());
         if (!text.isEmpty()) {
-            // On a light box: the value stays legible over tracks, cones and the street map.
+            // On a light box beside the middle of the line: legible over tracks and the street
+            // map, and the objects on the line (a slalom's cones) stay in sight.
             const QFontMetricsF metrics(painter.font());
-            const QPointF baseline = (a + b) / 2 + QPointF(-metrics.horizontalAdvance(text) / 2, -5.0);
-            QRectF box = QRectF(baseline.x(), baseline.y() - metrics.ascent(),
-                                metrics.horizontalAdvance(text), metrics.height())
+            QRectF box = QRectF(0.0, 0.0, metrics.horizontalAdvance(text), metrics.height())
                              .adjusted(-3.0, -1.0, 3.0, 1.0);
-            // Short distances between the same objects would stack their labels: each moves up
-            // until it stands free.
-            for (bool moved = true; moved;) {
-                moved = false;
-                for (const QRectF& taken : placed) {
-                    if (taken.intersects(box)) {
-                        box.moveBottom(taken.top() - 1.0);
-                        moved = true;
+            const QPointF along = b - a;
+            const double length = std::hypot(along.x(), along.y());
+            QPointF normal = length > 0.0 ? QPointF(along.y(), -along.x()) / length : QPointF(0.0, -1.0);
+            if (normal.x() < 0.0 || (normal.x() == 0.0 && normal.y() > 0.0))
+                normal = -normal; // to the right, or up for a level line
+            const double clearance =
+                std::abs(normal.x()) * box.width() / 2 + std::abs(normal.y()) * box.height() / 2 + 4.0;
+            // Further out along the normal while it would cover an object or another value;
+            // where no place is free within reach, the nearest one is taken.
+            const auto blocked = [&](const QRectF& at) {
+                return std::any_of(marks.begin(), marks.end(),
+                                   [&](const QRectF& m) { return m.intersects(at); }) ||
+                       std::any_of(placed.begin(), placed.end(),
+                                   [&](const QRectF& m) { return m.intersects(at); });
+            };
+            box.moveCenter((a + b) / 2 + normal * clearance);
+            for (int step = 1; step <= LABEL_TRIES && blocked(box); ++step) {
+                bool free = false;
+                for (const double side : {1.0, -1.0}) {
+                    QRectF moved = box;
+                    moved.moveCenter((a + b) / 2 + normal * (side * (clearance + step * LABEL_STEP_PIXELS)));
+                    if (!blocked(moved)) {
+                        box = moved;
+                        free = true;
+                        break;
                     }
                 }
+                if (free)
+                    break;
             }
             placed.push_back(box);
             texts.push_back(text);

@@ -2,6 +2,8 @@
 
 #include "same_value.h"
 
+#include <math_geo/earth_model.h>
+
 #include <math_geo/geo_position.h>
 #include <math_geo/point_2d.h>
 
@@ -11,7 +13,7 @@ namespace overmap_ui {
 
 namespace {
 constexpr double PI = 3.14159265358979323846;
-constexpr double DEG_TO_RAD = PI / 180.0;
+using math_geo::earth::DEG_TO_RAD;
 /// Closer GPS points than this are the same point.
 constexpr double SAME_GPS_POINT_METRES = 0.0001;
 /// Below this, a distance between the points gives no scale.

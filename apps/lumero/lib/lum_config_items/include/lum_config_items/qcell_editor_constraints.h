@@ -141,7 +141,7 @@ public:
     /// Takes @p pattern as the expression a text must match; asserts that it is valid.
     void setRegularExpression(const QString& pattern);
 
-signals:
+Q_SIGNALS:
     void editorTypeChanged();
     void selectOptionsChanged();
     void stringSelectOptionsChanged();

@@ -231,7 +231,7 @@ public:
     /// Called for every change of an item of the channel, on the thread that made it.
     void onChannelConfigItemChanged(channel_config::ChannelID channel_id, const QString& key);
 
-signals:
+Q_SIGNALS:
     // Spelt out in full: lists connect to it by its signature text.
     void destroying(lum::qchannel::QChannel* channel);
     void minValChanged();

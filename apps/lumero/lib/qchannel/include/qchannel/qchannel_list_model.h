@@ -127,7 +127,7 @@ public:
     void listAppend(QList<QObject*> objects) override;
     void listAppend(QObject* obj) override;
 
-public slots:
+public Q_SLOTS:
     /// Puts @p new_channel before @p successor, or at the end when @p successor is not
     /// in the list. From another thread @p successor must not be null.
     void insertChannel(lum::qchannel::QChannel* new_channel, lum::qchannel::QChannel* successor);
@@ -145,7 +145,7 @@ public slots:
     /// The row of @p ch_id gets a data change.
     void setConfigItemDirty(channel_config::ChannelID ch_id);
 
-signals:
+Q_SIGNALS:
     void configItemInListChanged(channel_config::ChannelID channel_id, QString key);
     void ferrinChannelChanged(channel_config::ChannelID channel_id);
     void channelActionInProgressChanged();
@@ -155,7 +155,7 @@ protected:
     void onObjectsInserted(int first, int last) override;
     void onObjectsAboutToBeRemoved(int first, int last) override;
 
-private slots:
+private Q_SLOTS:
     void beginBatchOperationWithCache(QThread* thread);
     void endBatchOperationAndUpdateWithCache(QThread* thread);
     void handleConfigItemInListChanged(channel_config::ChannelID channel_id, QString key);

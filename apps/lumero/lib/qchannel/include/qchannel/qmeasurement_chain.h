@@ -46,7 +46,7 @@ public:
     Q_INVOKABLE QStringList getAvailableActionKeys() const;
     Q_INVOKABLE QStringList getAvailableIdKeys() const;
 
-signals:
+Q_SIGNALS:
     void configItemChanged(channel_config::ChannelID channel_id, QString key);
 
 private:
