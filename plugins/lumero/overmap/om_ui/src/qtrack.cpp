@@ -15,6 +15,7 @@
 
 #include <QFile>
 #include <QQmlEngine>
+#include <QThread>
 
 #include <cmath>
 #include <cstring>
@@ -103,7 +104,9 @@ void QTrack::settle() const
 {
     // The segments and the extent are what a rebuild would have made; making them on the
     // first read changes nothing a reader can see, so const readers may do it.
-    if (m_segments_owed)
+    // Segments are children of the list and are made in its thread only; a reader in
+    // another thread (a render thread) sees what is there until the owner reads them.
+    if (m_segments_owed && QThread::currentThread() == thread())
         const_cast<QTrack*>(this)->buildSegments();
 }
 
