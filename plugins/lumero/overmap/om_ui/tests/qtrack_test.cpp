@@ -16,6 +16,7 @@
 #include <cmath>
 #include <fstream>
 #include <iomanip>
+#include <thread>
 
 namespace {
 
@@ -205,6 +206,17 @@ INSTANTIATE_TEST_SUITE_P(
                 m.setPositions({om_ui_test::SITE, math_geo::destinationPoint(om_ui_test::SITE, 0.0, 20.0)});
             }}),
     [](const ::testing::TestParamInfo<LateReadRow>& info) { return std::string(info.param.name); });
+
+TEST_F(QTrackTest, AReaderInAnotherThreadMakesNoSegments)
+{
+    model->setPositions({om_ui_test::SITE, north});
+    QTrackPath track(model, nullptr);
+    int seen_there = -1;
+    std::thread render([&] { seen_there = track.segments()->size(); });
+    render.join();
+    EXPECT_EQ(seen_there, 0) << "children of the list are made in its own thread only";
+    EXPECT_EQ(track.segments()->size(), 1);
+}
 
 // The arc centre of a path is its first drawn vertex, stored by the rebuild itself, before
 // any view reads the segments.
