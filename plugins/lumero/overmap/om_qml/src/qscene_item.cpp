@@ -300,8 +300,15 @@ void QSceneItem::watchObject(QObject* object)
     }
     if (auto* car = qobject_cast<overmap_ui::QCar*>(object))
         connect(car, &overmap_ui::QCar::contourChanged, this, &QSceneItem::scheduleUpdate);
-    if (auto* track = qobject_cast<overmap_ui::QTrack*>(object))
-        connect(track, &overmap_ui::QTrack::segmentsChanged, this, &QSceneItem::dropTrackCaches);
+    if (auto* track = qobject_cast<overmap_ui::QTrack*>(object)) {
+        // A track makes its segments when they are first read, and that must happen in its
+        // own thread: the render thread, which paints them, only reads what is made here.
+        connect(track, &overmap_ui::QTrack::segmentsChanged, this, [this, track] {
+            track->segments();
+            dropTrackCaches();
+        });
+        track->segments();
+    }
     if (auto* calculation = qobject_cast<overmap_ui::QCalculation*>(object))
         connect(calculation, &overmap_ui::QCalculation::dataChanged, this, &QSceneItem::scheduleUpdate);
 }

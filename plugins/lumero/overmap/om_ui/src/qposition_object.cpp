@@ -12,6 +12,10 @@
 #include <qt_utils/qt_checked_connect.h>
 #include <uni_base/uni_log.h>
 
+#include <QMetaMethod>
+
+#include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace overmap_ui {
@@ -102,14 +106,63 @@ QGeoCoordinate QPositionObject::centerPosition() const
     return toCoordinate(m_model->getGeoPosition());
 }
 
+namespace {
+/// The signals of a time step, in the order in which it emits them.
+using StepSignal = void (QPositionObject::*)();
+constexpr std::array<StepSignal, 7> STEP_SIGNALS{
+    &QPositionObject::latitudeChanged,    &QPositionObject::longitudeChanged,
+    &QPositionObject::positionChanged,    &QPositionObject::centerPositionChanged,
+    &QPositionObject::xyPositionChanged,  &QPositionObject::headingChanged,
+    &QPositionObject::inputHeadingChanged};
+
+static_assert(STEP_SIGNALS.size() == 7, "one listener count for each signal of a step");
+
+const std::array<QMetaMethod, STEP_SIGNALS.size()>& stepSignalMethods()
+{
+    static const std::array<QMetaMethod, STEP_SIGNALS.size()> methods = [] {
+        std::array<QMetaMethod, STEP_SIGNALS.size()> out;
+        for (std::size_t i = 0; i < STEP_SIGNALS.size(); ++i)
+            out[i] = QMetaMethod::fromSignal(STEP_SIGNALS[i]);
+        return out;
+    }();
+    return methods;
+}
+} // namespace
+
 void QPositionObject::updatePositionData(double time)
 {
     m_model->update(time);
     updateValidity();
-    // The model alone knows whether anything moved, so the views are told at each step.
-    emitPlaceChanged();
-    Q_EMIT headingChanged();
-    Q_EMIT inputHeadingChanged();
+    // The model alone knows whether anything moved, so the listeners are told at each step.
+    for (std::size_t i = 0; i < STEP_SIGNALS.size(); ++i)
+        if (m_step_listeners[i].load(std::memory_order_relaxed) > 0)
+            (this->*STEP_SIGNALS[i])();
+}
+
+void QPositionObject::connectNotify(const QMetaMethod& signal)
+{
+    QGeoObject::connectNotify(signal);
+    const auto& methods = stepSignalMethods();
+    const auto found = std::find(methods.begin(), methods.end(), signal);
+    if (found != methods.end())
+        m_step_listeners[static_cast<std::size_t>(found - methods.begin())].fetch_add(
+            1, std::memory_order_relaxed);
+}
+
+void QPositionObject::disconnectNotify(const QMetaMethod& signal)
+{
+    QGeoObject::disconnectNotify(signal);
+    // Qt may hold its own lock here, so nothing of QObject is asked. A disconnection from
+    // all signals names none and counts nothing down: a count too high costs emissions only.
+    const auto& methods = stepSignalMethods();
+    const auto found = std::find(methods.begin(), methods.end(), signal);
+    if (found == methods.end())
+        return;
+    std::atomic<int>& count = m_step_listeners[static_cast<std::size_t>(found - methods.begin())];
+    int listeners = count.load(std::memory_order_relaxed);
+    while (listeners > 0 &&
+           !count.compare_exchange_weak(listeners, listeners - 1, std::memory_order_relaxed)) {
+    }
 }
 
 void QPositionObject::emitPlaceChanged()

@@ -15,6 +15,7 @@
 
 #include <QFile>
 #include <QQmlEngine>
+#include <QThread>
 
 #include <cmath>
 #include <cstring>
@@ -72,56 +73,145 @@ void QTrack::setExtent(double width, double height)
 {
     m_extent_width = width;
     m_extent_height = height;
+    emitExtentChanged();
+}
+
+void QTrack::emitExtentChanged()
+{
     Q_EMIT extentChanged();
     Q_EMIT sizeChanged();
 }
 
-const std::vector<GeoPosition>& QTrack::thinnedPositions()
+double QTrack::width() const
+{
+    settle();
+    return m_extent_width;
+}
+
+double QTrack::length() const
+{
+    settle();
+    return m_extent_height;
+}
+
+QTrackSegmentList* QTrack::segments()
+{
+    settle();
+    return &m_segments;
+}
+
+void QTrack::settle() const
+{
+    // The segments and the extent are what a rebuild would have made; making them on the
+    // first read changes nothing a reader can see, so const readers may do it.
+    // Segments are children of the list and are made in its thread only; a reader in
+    // another thread (a render thread) sees what is there until the owner reads them.
+    if (m_segments_owed && QThread::currentThread() == thread())
+        const_cast<QTrack*>(this)->buildSegments();
+}
+
+void QTrack::takeVertices()
 {
     const std::vector<GeoPosition>& source = m_model->getPositions();
-    const bool same =
-        m_thinned_valid && source.size() == m_thinned_from.size() &&
-        std::memcmp(source.data(), m_thinned_from.data(), source.size() * sizeof(GeoPosition)) == 0;
+    const bool same = source.size() == m_thinned_from.size() &&
+                      (source.empty() || std::memcmp(source.data(), m_thinned_from.data(),
+                                                     source.size() * sizeof(GeoPosition)) == 0);
     if (!same) {
         m_thinned_from = source;
-        m_thinned = math_geo::simplifyTrack(source, DISPLAY_TOLERANCE);
+        m_thinned_valid = false;
+    }
+}
+
+const std::vector<GeoPosition>& QTrack::thinnedPositions()
+{
+    if (!m_thinned_valid) {
+        m_thinned = math_geo::simplifyTrack(m_thinned_from, DISPLAY_TOLERANCE);
         math_geo::removeInvalidPositions(m_thinned);
         m_thinned_valid = true;
     }
     return m_thinned;
 }
 
+std::optional<GeoPosition> QTrack::firstOfThinned()
+{
+    if (!m_thinned_valid && m_thinned_from.size() >= 2 && m_thinned_from.front().valid() &&
+        m_thinned_from.back().valid())
+        return m_thinned_from.front();
+    const std::vector<GeoPosition>& positions = thinnedPositions();
+    if (positions.size() < 2)
+        return std::nullopt;
+    return positions.front();
+}
+
 void QTrack::rebuildSegments()
 {
+    m_segments_owed = false;
     m_segments.clearList(true);
-    const std::vector<GeoPosition>& positions = thinnedPositions();
-    if (positions.size() < 2) {
+    takeVertices();
+    const std::optional<GeoPosition> first = firstOfThinned();
+    if (!first) {
         setExtent(0.0, 0.0);
         return;
     }
+    m_geometry.width = m_model->getWidth();
+    m_geometry.origin = m_model->getOrigin();
+    m_geometry.radius = m_model->getRadius();
+    m_geometry.arc_bearing = m_model->getArcBearing();
+    m_geometry.arc_length = m_model->getArcLength();
+    m_geometry.xy_flag = m_model->getXYFlag();
+    m_geometry.rotation = referenceRotation(*m_model);
+    if (m_geometry.radius != 0.0) {
+        // An arc has two vertices and its checks belong to the change that made it: at once.
+        buildSegments();
+        return;
+    }
+    // Without a radius the arc centre is the first vertex itself, worked out as the ribbon's
+    // plane gives it; the ribbon waits until a view reads it.
+    math_geo::ProjectionPlane plane(*first, 0.0, overmap::defaultPlaneCoordinateSystem());
+    plane.setRotation(m_geometry.rotation);
+    overmap::Track start(0, &plane);
+    start.setPositions({*first});
+    m_model->setArcCenter(plane.toGeoPosition(start.planePoints().front()));
+    m_segments_owed = true;
+    Q_EMIT segmentsChanged();
+    emitExtentChanged();
+}
+
+void QTrack::buildSegments()
+{
+    m_segments_owed = false;
+    const std::vector<GeoPosition>& positions = thinnedPositions();
+    const bool announce = m_geometry.radius != 0.0;
+    const auto fail = [&] {
+        m_extent_width = 0.0;
+        m_extent_height = 0.0;
+        if (announce)
+            emitExtentChanged();
+    };
+    if (positions.size() < 2)
+        return fail();
     math_geo::ProjectionPlane plane(positions.front(), 0.0, overmap::defaultPlaneCoordinateSystem());
-    plane.setRotation(referenceRotation(*m_model));
+    plane.setRotation(m_geometry.rotation);
 
     // Id 0 lies below the counter, so the helper takes no id from the scene.
     overmap::Track track(0, &plane);
-    track.setWidth(m_model->getWidth());
-    track.setOrigin(m_model->getOrigin());
-    track.setRadius(m_model->getRadius());
-    track.setArcBearing(m_model->getArcBearing());
-    track.setArcLength(m_model->getArcLength());
-    track.setXYFlag(m_model->getXYFlag());
+    track.setWidth(m_geometry.width);
+    track.setOrigin(m_geometry.origin);
+    track.setRadius(m_geometry.radius);
+    track.setArcBearing(m_geometry.arc_bearing);
+    track.setArcLength(m_geometry.arc_length);
+    track.setXYFlag(m_geometry.xy_flag);
     track.setPositions(positions);
 
     const std::vector<Point2D>& first = track.firstEdge();
     const std::vector<Point2D>& second = track.secondEdge();
     const std::vector<Point2D>& plane_points = track.planePoints();
-    if (first.empty() || second.size() < first.size() || plane_points.empty()) {
-        setExtent(0.0, 0.0);
-        return;
-    }
+    if (first.empty() || second.size() < first.size() || plane_points.empty())
+        return fail();
     const GeoPosition center = plane.toGeoPosition(plane_points.front());
-    m_model->setArcCenter(center);
-    const double extra = m_model->getXYFlag() ? plane.getRotation() : 0.0;
+    if (announce)
+        m_model->setArcCenter(center);
+    const double extra = m_geometry.xy_flag ? plane.getRotation() : 0.0;
 
     // A zero-length piece of a path gives not-a-number corners: such a piece is left out,
     // and takes no part in the extent.
@@ -140,10 +230,10 @@ void QTrack::rebuildSegments()
             values.start = toCoordinate(positions[i - 1]);
             values.end = toCoordinate(positions[i]);
         }
-        values.radius = m_model->getRadius();
-        values.arc_length = m_model->getArcLength();
+        values.radius = m_geometry.radius;
+        values.arc_length = m_geometry.arc_length;
         values.center = toCoordinate(center);
-        values.arc_bearing = m_model->getArcBearing() + extra;
+        values.arc_bearing = m_geometry.arc_bearing + extra;
         made.append(new QTrackSegment(std::move(values), &m_segments));
         if (!extent)
             extent = math_geo::Rectangle::bounding({first[i - 1], second[i - 1]});
@@ -151,11 +241,12 @@ void QTrack::rebuildSegments()
         extent->extend(second[i]);
     }
     m_segments.append(made);
-    Q_EMIT segmentsChanged();
-    if (extent)
-        setExtent(extent->width(), extent->height());
-    else
-        setExtent(0.0, 0.0);
+    if (announce)
+        Q_EMIT segmentsChanged();
+    m_extent_width = extent ? extent->width() : 0.0;
+    m_extent_height = extent ? extent->height() : 0.0;
+    if (announce)
+        emitExtentChanged();
 }
 
 void QTrack::refresh()
@@ -224,10 +315,10 @@ void QTrack::setTrackRadius(double value)
     if (std::fabs(value - m_model->getRadius()) <= VALUE_TOLERANCE)
         return;
     m_model->setRadius(value);
-    const std::vector<GeoPosition>& positions = thinnedPositions();
-    if (positions.size() >= 2 && !m_model->planePoints().empty()) {
-        const math_geo::ProjectionPlane plane(positions.front(), 0.0,
-                                              overmap::defaultPlaneCoordinateSystem());
+    takeVertices();
+    const std::optional<GeoPosition> first = firstOfThinned();
+    if (first && !m_model->planePoints().empty()) {
+        const math_geo::ProjectionPlane plane(*first, 0.0, overmap::defaultPlaneCoordinateSystem());
         m_model->setArcCenter(plane.toGeoPosition(m_model->planePoints().front()));
     }
     rebuildSegments();

@@ -8,12 +8,17 @@
 #include <uni_testing/log_capture.h>
 #include <uni_testing/model_tester.h>
 
+#include <QQmlComponent>
+#include <QQmlContext>
+#include <QQmlEngine>
 #include <QSignalSpy>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <functional>
+#include <memory>
+#include <string>
 
 namespace {
 
@@ -407,5 +412,91 @@ TEST_F(QPositionObjectTest, AnXYObjectFollowsThePlaneOnlyWithoutReference)
     cone->updateXYPositions();
     EXPECT_EQ(data.count(), 0);
 }
+
+} // namespace
+
+namespace {
+
+// A time step emits only what something listens to, so each of its signals must reach a
+// listener that hears it alone, whether connected in C++ or bound in QML, and must stop
+// and start again with the listener.
+struct StepListenerRow
+{
+    const char* property;
+    void (QPositionObject::*signal)();
+};
+
+/// A value as text, coordinates and points included, which QVariant cannot compare.
+QString text(const QVariant& value)
+{
+    if (value.userType() == qMetaTypeId<QGeoCoordinate>()) {
+        const auto c = value.value<QGeoCoordinate>();
+        return QString::number(c.latitude(), 'g', 17) + ' ' + QString::number(c.longitude(), 'g', 17);
+    }
+    if (value.userType() == QMetaType::QPointF) {
+        const QPointF p = value.toPointF();
+        return QString::number(p.x(), 'g', 17) + ' ' + QString::number(p.y(), 'g', 17);
+    }
+    return value.toString();
+}
+
+class StepListener : public QPositionObjectTest, public ::testing::WithParamInterface<StepListenerRow>
+{
+protected:
+    StepListener()
+    {
+        cone->setLatitudeChannel(scalar({48.2, 48.21, 48.22, 48.23}));
+        cone->setLongitudeChannel(scalar({11.6, 11.61, 11.62, 11.63}));
+        cone->setHeadingChannel(scalar({10.0, 20.0, 30.0, 40.0}));
+    }
+};
+
+TEST_P(StepListener, HearsEveryStepWhileConnected)
+{
+    int heard = 0;
+    QMetaObject::Connection connection = QObject::connect(cone, GetParam().signal, [&heard] { ++heard; });
+    cone->updatePositionData(0.1);
+    cone->updatePositionData(0.2);
+    EXPECT_EQ(heard, 2);
+    QObject::disconnect(connection);
+    cone->updatePositionData(0.3);
+    EXPECT_EQ(heard, 2);
+    QSignalSpy spy(cone, GetParam().signal);
+    ASSERT_TRUE(spy.isValid());
+    cone->updatePositionData(0.1);
+    EXPECT_EQ(spy.count(), 1);
+    EXPECT_EQ(heard, 2);
+}
+
+TEST_P(StepListener, AQmlBindingFollowsTheSteps)
+{
+    const char* property = GetParam().property;
+    if (std::string(property) == "inputHeading")
+        GTEST_SKIP() << "a heading channel does not move the input heading";
+    QQmlEngine engine;
+    engine.rootContext()->setContextProperty("cone", cone);
+    QQmlComponent component(&engine);
+    component.setData(QByteArray("import QtQml 2.15\nQtObject { property var value: cone.") + property + "}",
+                      QUrl());
+    std::unique_ptr<QObject> view(component.create());
+    ASSERT_NE(view, nullptr) << component.errorString().toStdString();
+    cone->updatePositionData(0.1);
+    const QString before = text(view->property("value"));
+    cone->updatePositionData(0.3);
+    const QString after = text(view->property("value"));
+    EXPECT_NE(before, after) << "the step moved it";
+    EXPECT_EQ(after, text(cone->property(property)));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Values, StepListener,
+    ::testing::Values(StepListenerRow{"latitude", &QPositionObject::latitudeChanged},
+                      StepListenerRow{"longitude", &QPositionObject::longitudeChanged},
+                      StepListenerRow{"position", &QPositionObject::positionChanged},
+                      StepListenerRow{"centerPosition", &QPositionObject::centerPositionChanged},
+                      StepListenerRow{"xyPosition", &QPositionObject::xyPositionChanged},
+                      StepListenerRow{"heading", &QPositionObject::headingChanged},
+                      StepListenerRow{"inputHeading", &QPositionObject::inputHeadingChanged}),
+    [](const auto& info) { return std::string(info.param.property); });
 
 } // namespace

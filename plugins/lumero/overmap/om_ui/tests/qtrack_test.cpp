@@ -16,6 +16,7 @@
 #include <cmath>
 #include <fstream>
 #include <iomanip>
+#include <thread>
 
 namespace {
 
@@ -154,6 +155,112 @@ TEST_F(QTrackTest, APlaneChangeTakesEffectOnRefreshOnly)
     track->refresh();
     EXPECT_DOUBLE_EQ(track->segments()->at(0)->arcBearing(), 30.0) << "given in the plane, turned with it";
 }
+
+// A view may read the segments long after the rebuild that made them owed: they still
+// show what the rebuild saw, not what the model or its plane did since without a rebuild.
+struct LateReadRow
+{
+    const char* name;
+    void (*meanwhile)(overmap::TrackPath& model, math_geo::ProjectionPlane& plane);
+};
+
+class QTrackLateRead : public QTrackTest, public ::testing::WithParamInterface<LateReadRow>
+{};
+
+TEST_P(QTrackLateRead, ShowsWhatTheRebuildSaw)
+{
+    model->setPositions({om_ui_test::SITE, north});
+    QTrackPath track(model, nullptr);
+    plane.setRotation(90.0);
+    om_ui_test::SignalRecorder recorder(&track);
+    track.refresh();
+    EXPECT_EQ(recorder.names(), (QStringList{"segmentsChanged", "extentChanged", "sizeChanged"}));
+    GetParam().meanwhile(*model, plane);
+
+    // Turned by 90 degrees the piece runs across the plane's x: 3 m along it, 10 m across.
+    EXPECT_NEAR(track.width(), 3.0, 1e-9);
+    EXPECT_NEAR(track.length(), 10.0, 0.02);
+    ASSERT_EQ(track.segments()->size(), 1);
+    const overmap_ui::QTrackSegment* segment = track.segments()->at(0);
+    const QGeoCoordinate start(om_ui_test::SITE.latitude, om_ui_test::SITE.longitude);
+    EXPECT_EQ(segment->posStart(), start);
+    EXPECT_NEAR(metres(segment->posEnd(), QGeoCoordinate(north.latitude, north.longitude)), 0.0, 1e-6);
+    EXPECT_NEAR(metres(segment->posA(), segment->posD()), 3.0, 0.01);
+    EXPECT_NEAR(metres(segment->posA(), start), 1.5, 0.01);
+    EXPECT_EQ(recorder.names().size(), 3) << "reading tells nobody";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Values, QTrackLateRead,
+    ::testing::Values(
+        LateReadRow{"nothing", [](overmap::TrackPath&, math_geo::ProjectionPlane&) {}},
+        LateReadRow{"plane_turned_back",
+                    [](overmap::TrackPath&, math_geo::ProjectionPlane& p) { p.setRotation(0.0); }},
+        LateReadRow{"width_set_in_the_model_alone",
+                    [](overmap::TrackPath& m, math_geo::ProjectionPlane&) { m.setWidth(5.0); }},
+        LateReadRow{"origin_set_in_the_model_alone",
+                    [](overmap::TrackPath& m, math_geo::ProjectionPlane&) { m.setOrigin(0.0); }},
+        LateReadRow{
+            "vertices_set_in_the_model_alone",
+            [](overmap::TrackPath& m, math_geo::ProjectionPlane&) {
+                m.setPositions({om_ui_test::SITE, math_geo::destinationPoint(om_ui_test::SITE, 0.0, 20.0)});
+            }}),
+    [](const ::testing::TestParamInfo<LateReadRow>& info) { return std::string(info.param.name); });
+
+TEST_F(QTrackTest, AReaderInAnotherThreadMakesNoSegments)
+{
+    model->setPositions({om_ui_test::SITE, north});
+    QTrackPath track(model, nullptr);
+    int seen_there = -1;
+    std::thread render([&] { seen_there = track.segments()->size(); });
+    render.join();
+    EXPECT_EQ(seen_there, 0) << "children of the list are made in its own thread only";
+    EXPECT_EQ(track.segments()->size(), 1);
+}
+
+// The arc centre of a path is its first drawn vertex, stored by the rebuild itself, before
+// any view reads the segments.
+struct CentreRow
+{
+    const char* name;
+    std::vector<GeoPosition> positions;
+    bool drawn;
+};
+
+class QTrackCentre : public QTrackTest, public ::testing::WithParamInterface<CentreRow>
+{};
+
+TEST_P(QTrackCentre, IsTheFirstValidVertexAtTheRebuild)
+{
+    const CentreRow& row = GetParam();
+    model->setArcCenter(GeoPosition(1.0, 2.0));
+    model->setPositions(row.positions);
+    QTrackPath track(model, nullptr);
+    const GeoPosition centre = model->getArcCenter();
+    const GeoPosition expected = row.drawn ? om_ui_test::SITE : GeoPosition(1.0, 2.0);
+    EXPECT_NEAR(centre.latitude, expected.latitude, 1e-12);
+    EXPECT_NEAR(centre.longitude, expected.longitude, 1e-12);
+    EXPECT_EQ(track.segments()->size(), row.drawn ? 1 : 0);
+    if (row.drawn) {
+        const QGeoCoordinate on_segment = track.segments()->at(0)->posCM();
+        EXPECT_NEAR(on_segment.latitude(), expected.latitude, 1e-12);
+        EXPECT_NEAR(on_segment.longitude(), expected.longitude, 1e-12);
+    }
+}
+
+// Not a number, as a dropout of a recording: thinning keeps it, so what is left around it
+// does not hang on how the cross-track distance treats it.
+const GeoPosition DROPOUT(std::nan(""), std::nan(""));
+const GeoPosition NORTH_10 = math_geo::destinationPoint(om_ui_test::SITE, 0.0, 10.0);
+
+INSTANTIATE_TEST_SUITE_P(
+    Values, QTrackCentre,
+    ::testing::Values(CentreRow{"both_ends_valid", {om_ui_test::SITE, NORTH_10}, true},
+                      CentreRow{"first_vertex_invalid", {DROPOUT, om_ui_test::SITE, NORTH_10}, true},
+                      CentreRow{"last_vertex_invalid", {om_ui_test::SITE, NORTH_10, DROPOUT}, true},
+                      CentreRow{"one_valid_vertex", {DROPOUT, om_ui_test::SITE}, false},
+                      CentreRow{"one_vertex", {om_ui_test::SITE}, false}),
+    [](const ::testing::TestParamInfo<CentreRow>& info) { return std::string(info.param.name); });
 
 TEST_F(QTrackTest, KmlFilesOfTheRealWorldImport)
 {

@@ -10,6 +10,8 @@
 #include <QPointF>
 #include <QPointer>
 
+#include <array>
+#include <atomic>
 #include <memory>
 
 namespace overmap {
@@ -137,6 +139,8 @@ protected Q_SLOTS:
     void updateFromReferenceObject();
 
 protected:
+    void connectNotify(const QMetaMethod& signal) override;
+    void disconnectNotify(const QMetaMethod& signal) override;
     void updateValidity();
     /// Tells the views that the object's place moved: latitude, longitude, position, centre
     /// (which follows the position) and XY position, in that order.
@@ -170,6 +174,10 @@ private:
     bool m_valid_position = false;
     bool m_gps_connected = false;
     QPointer<QPositionObject> m_reference_object;
+    /// How many listen to each signal of a time step (latitude, longitude, position, centre,
+    /// XY position, heading, input heading); a time step emits only those that are heard, as
+    /// an emission nobody hears costs it more than the rest of its work.
+    std::array<std::atomic<int>, 7> m_step_listeners{};
 };
 
 } // namespace overmap_ui

@@ -11,6 +11,7 @@
 #include <QUrl>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace overmap {
@@ -110,11 +111,12 @@ public:
     ~QTrack() override;
 
     /// Extent of the drawn ribbon across, metres.
-    double width() const override { return m_extent_width; }
+    double width() const override;
     /// Extent of the drawn ribbon along, metres.
-    double length() const override { return m_extent_height; }
+    double length() const override;
 
-    QTrackSegmentList* segments() { return &m_segments; }
+    /// The segments; those of the last rebuild are made here, when first asked for.
+    QTrackSegmentList* segments();
     double trackWidth() const;
     void setTrackWidth(double value);
     Origin trackOrigin() const;
@@ -146,15 +148,40 @@ Q_SIGNALS:
     void extentChanged();
 
 private:
+    /// What a rebuild read from the model and its plane, kept for the segments made later.
+    struct Geometry
+    {
+        double width = 0.0;
+        double origin = 0.0;
+        double radius = 0.0;
+        double arc_bearing = 0.0;
+        double arc_length = 0.0;
+        bool xy_flag = false;
+        double rotation = 0.0;
+    };
+
     void setExtent(double width, double height);
-    /// The model's vertices thinned to 0.1 m and without invalid ones, worked out again
-    /// only when the vertices changed: a plane change does not change them.
+    void emitExtentChanged();
+    /// Takes the model's vertices over for thinning, unless they are the ones taken last time.
+    void takeVertices();
+    /// The taken vertices thinned to 0.1 m and without invalid ones, worked out once for each
+    /// new set of vertices: a plane change does not change them.
     const std::vector<math_geo::GeoPosition>& thinnedPositions();
+    /// The first thinned vertex when at least two are left, else nothing. Where both ends are
+    /// valid this needs no thinning, as thinning keeps the ends.
+    std::optional<math_geo::GeoPosition> firstOfThinned();
+    /// Makes the segments and the extent of the kept geometry.
+    void buildSegments();
+    /// Makes the segments of the last rebuild if they are still owed.
+    void settle() const;
 
     std::shared_ptr<overmap::Track> m_model;
     std::vector<math_geo::GeoPosition> m_thinned_from;
     std::vector<math_geo::GeoPosition> m_thinned;
     bool m_thinned_valid = false;
+    Geometry m_geometry;
+    /// A rebuild happened whose segments nobody asked for yet.
+    bool m_segments_owed = false;
     QTrackSegmentList m_segments;
     double m_extent_width = 0.0;
     double m_extent_height = 0.0;
