@@ -120,6 +120,7 @@ TEST(GeoTools, PolylineNearnessAndInvalidPositions)
     EXPECT_DOUBLE_EQ(math_geo::distanceToPolyline(Point2D(5, 3), line), 3.0);
     EXPECT_DOUBLE_EQ(math_geo::distanceToPolyline(Point2D(-3, -4), line), 5.0);
     EXPECT_THROW(math_geo::distanceToPolyline(Point2D(1, 1), {}), boost::geometry::empty_input_exception);
+    EXPECT_EQ(math_geo::nearestSegment(Point2D(5, 1), line), 0);
     EXPECT_EQ(math_geo::nearestSegment(Point2D(9, 5), line), 1);
     EXPECT_EQ(math_geo::nearestSegment(Point2D(5, 12), line), 2);
     EXPECT_EQ(math_geo::nearestSegment(Point2D(10, 10), line), 1); // a shared vertex: the first wins

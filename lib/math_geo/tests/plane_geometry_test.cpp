@@ -107,6 +107,7 @@ TEST(Point2DMeasure, ArithmeticKeepsTheLeftSystemComparisonTheToleranceAndMixedO
     EXPECT_FALSE(Point2D(1, 2) == Point2D(1, 2 + 1.1e-12));
     EXPECT_FALSE(Point2D(1, 2) == Point2D(1 - 1.1e-12, 2));
     EXPECT_FALSE(Point2D(0, 0) == Point2D(0, 1e-12)); // the tolerance itself is apart
+    EXPECT_FALSE(Point2D(0, 0) == Point2D(1e-12, 0));
     EXPECT_NE(a, Point2D(1, 2, CS::DIN70000));
 
     uni_testing::AssertCapture asserts;
