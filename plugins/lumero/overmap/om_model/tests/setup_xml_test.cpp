@@ -125,11 +125,6 @@ const ReadRow READ_ROWS[] = {
          EXPECT_EQ(s.manager.getDescription(), "kept");
          EXPECT_NE(s.get(99), nullptr);
      }},
-    {"only_a_comment",
-     "<!-- only a comment -->",
-     false,
-     {},
-     [](const Scene& s) { EXPECT_NE(s.get(99), nullptr); }},
     {"any_root_name",
      "<Scene description=\"other\"><GeoObjects>" + cone("objectId=\"3\" " + GEO) + "</GeoObjects></Scene>",
      true,
@@ -180,11 +175,6 @@ const ReadRow READ_ROWS[] = {
      [](const Scene& s) { EXPECT_FALSE(s.manager.getUsePlaneDefinitionPoints()); }},
     {"bad_primary_point",
      view("<PrimaryPlanePoint latitude=\"1\" longitude=\"2\" positionX=\"3\"/>" + MAP + IMAGE),
-     false,
-     {},
-     viewEndedAt(false, "")},
-    {"bad_map_view",
-     view("<MapSetupView latitude=\"1\" longitude=\"2\" rotation=\"3\"/>" + IMAGE),
      false,
      {},
      viewEndedAt(false, "")},
@@ -421,14 +411,6 @@ const ReadRow READ_ROWS[] = {
          EXPECT_EQ(calculation->getDistanceType(), overmap::DistanceType::Y);
          EXPECT_EQ(calculation->getTrackTarget(), overmap::TrackTarget::EDGE);
          EXPECT_EQ(calculation->getResultTransformation(), overmap::ResultTransformation::ABSOLUTE);
-     }},
-    {"disallowed_distance_type_stays_euclidean",
-     calculations("<Calculation calculationId=\"4\" fromId=\"1\" toId=\"2\" useFromPoi=\"false\" "
-                  "distanceType=\"x\"/>"),
-     true,
-     {},
-     [](const Scene& s) {
-         EXPECT_EQ(s.manager.calculationAt(0)->getDistanceType(), overmap::DistanceType::EUCLIDEAN);
      }},
 };
 INSTANTIATE_TEST_SUITE_P(Rows, XmlReader, testing::ValuesIn(READ_ROWS),
