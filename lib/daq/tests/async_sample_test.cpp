@@ -38,6 +38,7 @@ TEST(AsyncSampleLayout, ValidityMaskAndFieldsReadFromBytes)
     for (const auto& [size, mask] : masks)
         EXPECT_EQ(AsyncSampleLayout::fixedSize(size, 4).timestampMask(), mask) << size;
     EXPECT_FALSE(AsyncSampleLayout::fixedSize(0, 4).isValid());
+    EXPECT_TRUE(AsyncSampleLayout::fixedSize(1, 0).isValid()) << "a one-byte sample";
     EXPECT_FALSE(AsyncSampleLayout::fixedSize(9, 4).isValid());
     AsyncSampleLayout value_outside = AsyncSampleLayout::fixedSize(8, 8);
     value_outside.m_value_offset = 12;
@@ -92,8 +93,20 @@ TEST(AsyncSampleWalk, OpenEndedWalkStopsAtTheSpanOrTheDataAndTheIndexGoesOn)
     uni_testing::AssertCapture asserts;
     EXPECT_EQ(stream.extendIndex(*block, index, 3), 0u);
     EXPECT_TRUE(asserts.fired("nr_entries_before<=max_samples"));
-    block->m_data_length = 0;
+    // A variable sample that ends exactly at the end of the data is whole; one cut off is not.
+    AsyncSampleStream variable(AsyncSampleLayout::variableSize(4, 1)); // 5-byte headers
+    put(block->m_data, 1, 4);
+    put(block->m_data + 4, 3, 1);
+    put(block->m_data + 8, 2, 4);
+    put(block->m_data + 12, 2, 1);
+    block->m_first_timestamp = 1;
     block->m_sample_count = SampleDataBlock::OPEN_COUNT;
+    for (const auto& [length, samples] : {std::pair<std::uint32_t, std::uint32_t>{15, 2}, {14, 1}}) {
+        block->m_data_length = length;
+        index.clear();
+        EXPECT_EQ(variable.extendIndex(*block, index, 0), samples) << length;
+    }
+    block->m_data_length = 0;
     EXPECT_EQ(stream.nextSample(*block, nullptr, nullptr, true), nullptr) << "no data, no first sample";
 }
 
@@ -174,6 +187,12 @@ TEST(AsyncSampleIteratorEdges, MisuseIsReportedAndAnEndedIteratorStaysEnded)
     }
     EXPECT_TRUE(it.isEnded());
     EXPECT_FALSE(it.seek(100, daq::SEEK_EXACT)) << "ended is final";
+    AsyncSampleIterator again =
+        daq::createIterator(stream, 115, daq::SEEK_AT_OR_AFTER); // blocks [100 110] [120 130]
+    EXPECT_EQ(again.getTimestamp(), 120u);
+    EXPECT_EQ(again.rangeEnd(), 130u) << "a closed block found ahead is read in full";
+    EXPECT_TRUE(again.seek(110, daq::SEEK_EXACT));
+    EXPECT_FALSE(again.seek(105, daq::SEEK_EXACT));
     AsyncSampleIterator missed = daq::createIterator(stream, 105, daq::SEEK_EXACT);
     EXPECT_EQ(missed.rangeStart(), 105u);
     EXPECT_EQ(missed.getTimestamp(), daq::NO_TICK);

@@ -111,6 +111,8 @@ TEST_F(PositionObjectTest, CompassHeadingFacesTheSameWayInBothSystemsAndEffectiv
     EXPECT_EQ(child.effectiveHeading(), 30.0);
     child.setReferenceObject(parent);
     EXPECT_EQ(child.effectiveHeading(), 20.0 + 330.0) << "the rotation cancels for a parent on the globe";
+    parent->setXYPosition(Point2D(1, 1, FLU));
+    EXPECT_EQ(child.effectiveHeading(), 20.0 + 330.0 + 10.0);
 }
 
 TEST_F(PositionObjectTest, PlacementByGlobeOrPlaneAndWhatIsLoggedOnTheWay)
@@ -303,7 +305,10 @@ TEST_F(PositionObjectTest, CarSizeMovesTheStandardPoisAndContourIsCentredConvert
     EXPECT_EQ(
         m_log.count("overmap", SEV_ERROR, "Car::setContour() - contour has different coordiante system"), 4u);
     EXPECT_TRUE(near(car.getContour()[0], Point2D(2, -1, DIN)));
-    car.setContour({Point2D(1, 1, DIN)});
+    car.setCoordinateSystem(FLU);
+    EXPECT_EQ(car.contourInLocalSystem()[0], Point2D(2, -1, FLU))
+        << "the contour keeps its label, the view takes it in the car's";
+    car.setContour({Point2D(1, 1, FLU)});
     EXPECT_EQ(car.getLength(), 0.0);
 }
 

@@ -125,6 +125,11 @@ const ReadRow READ_ROWS[] = {
          EXPECT_EQ(s.manager.getDescription(), "kept");
          EXPECT_NE(s.get(99), nullptr);
      }},
+    {"only_a_comment",
+     "<!-- only a comment -->",
+     false,
+     {},
+     [](const Scene& s) { EXPECT_NE(s.get(99), nullptr); }},
     {"any_root_name",
      "<Scene description=\"other\"><GeoObjects>" + cone("objectId=\"3\" " + GEO) + "</GeoObjects></Scene>",
      true,
@@ -352,6 +357,14 @@ const ReadRow READ_ROWS[] = {
          EXPECT_EQ(line->getStartPoint(), Point2D(1, 2, overmap::defaultPlaneCoordinateSystem()));
          EXPECT_FALSE(line->isEndByXY()) << "the end from GPSPositions where no EndXY was given";
          EXPECT_EQ(line->getPositions().at(1), GeoPosition(47.2, 10.2));
+     }},
+    {"bad_xy_start_taken_from_the_positions",
+     tracks("<TrackLine objectId=\"2\" " + TRACK +
+            "><GPSPositions>47.1 10.1 \n47.2 10.2 \n</GPSPositions><StartXY positionX=\"1\"/></TrackLine>"),
+     false,
+     {},
+     [](const Scene& s) {
+         EXPECT_EQ(s.get<overmap::TrackLine>(2)->getPositions().at(0), GeoPosition(47.1, 10.1));
      }},
     {"track_line_without_positions",
      tracks("<TrackLine objectId=\"1\" " + TRACK + "><StartXY positionX=\"1\" positionY=\"2\"/></TrackLine>"),

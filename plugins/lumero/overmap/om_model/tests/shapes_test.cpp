@@ -174,6 +174,7 @@ TEST_F(TrackTest, TrackLineEndsAreGivenByGlobeOrPlaneAndAnArcGivesBothTheSameWay
     EXPECT_TRUE(near(line.getStartPoint(), m_plane.toPlane(GeoPosition(48.2001, 11.6001))));
     line.setEndXY(Point2D(30, 5, FLU));
     EXPECT_TRUE(line.isEndByXY());
+    EXPECT_TRUE(line.getXYFlag());
     EXPECT_FALSE(line.isStartByXY());
     EXPECT_EQ(line.getPositions()[1], m_plane.toGeoPosition(Point2D(30, 5, FLU)));
     line.setCenterXY(Point2D(15, -20, FLU));
@@ -183,6 +184,7 @@ TEST_F(TrackTest, TrackLineEndsAreGivenByGlobeOrPlaneAndAnArcGivesBothTheSameWay
     EXPECT_FALSE(line.setEndSynced(GeoPosition(48.2002, 11.6))) << "follows the start: by globe";
     EXPECT_FALSE(line.isEndByXY());
     line.setStartXY(Point2D(0, 0, FLU));
+    EXPECT_TRUE(line.getXYFlag());
     EXPECT_TRUE(line.setEndSynced(GeoPosition(48.2002, 11.6)));
     EXPECT_TRUE(line.isEndByXY());
     line.setRadius(25.0);
