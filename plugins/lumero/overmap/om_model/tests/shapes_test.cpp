@@ -183,6 +183,7 @@ TEST_F(TrackTest, TrackLineEndsAreGivenByGlobeOrPlaneAndAnArcGivesBothTheSameWay
     EXPECT_FALSE(line.isCenterByXY());
     EXPECT_FALSE(line.setEndSynced(GeoPosition(48.2002, 11.6))) << "follows the start: by globe";
     EXPECT_FALSE(line.isEndByXY());
+    EXPECT_FALSE(line.getXYFlag());
     line.setStartXY(Point2D(0, 0, FLU));
     EXPECT_TRUE(line.getXYFlag());
     EXPECT_TRUE(line.setEndSynced(GeoPosition(48.2002, 11.6)));
