@@ -115,6 +115,30 @@ TEST(AsyncSampleWriterBlocks, OversizedSamplesGetAPageSizedBlockAndNarrowTimesta
     EXPECT_EQ(std::memcmp(at.currentSample(), expected, sizeof(expected)), 0);
 }
 
+TEST(AsyncSampleWriterBlocks, SampleBytesAreLaidOutAsTheLayoutSays)
+{
+    uni_testing::AssertCapture asserts; // an eight-byte size field is reported on every read
+    auto wide = std::make_shared<AsyncSampleStream>(AsyncSampleLayout::variableSize(4, 8));
+    AsyncSampleWriter wide_writer(wide);
+    EXPECT_FALSE(wide_writer.appendValue(1, nullptr, 1));
+    ASSERT_TRUE(wide_writer.appendValue(0x01020304, "a", 1));
+    wide_writer.finish();
+    const std::uint8_t wide_bytes[] = {4, 3, 2, 1, 1, 0, 0, 0, 0, 0, 0, 0, 'a'};
+    EXPECT_EQ(
+        std::memcmp(daq::createIterator(wide, 0, daq::SEEK_AT_OR_AFTER).currentSample(), wide_bytes, 13), 0);
+
+    AsyncSampleLayout value_first = AsyncSampleLayout::fixedSize(2, 2);
+    value_first.m_timestamp_field.m_offset = 2;
+    value_first.m_value_offset = 0;
+    auto stream = std::make_shared<AsyncSampleStream>(value_first);
+    AsyncSampleWriter writer(stream);
+    writer.append<std::uint16_t>(5, 0xAAAA);
+    writer.append<std::uint16_t>(6, 0xBBBB);
+    writer.finish();
+    const std::uint8_t bytes[] = {0xAA, 0xAA, 5, 0, 0xBB, 0xBB, 6, 0};
+    EXPECT_EQ(std::memcmp(daq::createIterator(stream, 5, daq::SEEK_EXACT).currentSample(), bytes, 8), 0);
+}
+
 TEST(AsyncSampleWriterPublishing, NothingIsVisibleBeforePublishNothingIsLostAndALaterWriterGoesOn)
 {
     auto stream = fixedStream();
