@@ -13,79 +13,59 @@
 
 namespace {
 
-using daq::AsyncSampleIterator;
 using daq::AsyncSampleLayout;
 using daq::AsyncSampleStream;
 using daq::AsyncSampleWriter;
-using daq::SampleDataBlockPtr;
+using Ticks = std::vector<std::uint64_t>;
 
 std::shared_ptr<AsyncSampleStream> fixedStream(std::uint32_t timestamp_size = 8)
 {
     return std::make_shared<AsyncSampleStream>(AsyncSampleLayout::fixedSize(timestamp_size, sizeof(double)));
 }
 
-std::vector<std::uint64_t> allTimestamps(const std::shared_ptr<AsyncSampleStream>& stream)
+Ticks allTimestamps(const std::shared_ptr<AsyncSampleStream>& stream)
 {
-    std::vector<std::uint64_t> seen;
-    AsyncSampleIterator it = daq::createIterator(stream, 0, daq::SEEK_AT_OR_AFTER);
+    Ticks seen;
+    daq::AsyncSampleIterator it = daq::createIterator(stream, 0, daq::SEEK_AT_OR_AFTER);
     for (bool ok = it.isValid(); ok; ok = it.next())
         seen.push_back(it.getTimestamp());
     return seen;
 }
 
-TEST(AsyncSampleWriterRefuses, TimestampGoingBack)
-{
-    auto stream = fixedStream();
-    AsyncSampleWriter writer(stream);
-    ASSERT_TRUE(writer.append(10, 1.0));
-    uni_testing::AssertCapture capture;
-    EXPECT_FALSE(writer.append(9, 2.0));
-    EXPECT_TRUE(capture.fired("!m_has_last || timestamp >= m_last_timestamp", "goes back"));
-    EXPECT_EQ(writer.appendedCount(), 1u);
-    EXPECT_EQ(writer.lastTimestamp(), 10u);
-}
-
-TEST(AsyncSampleWriterRefuses, TimestampWiderThanTheField)
+TEST(AsyncSampleWriterRefuses, WhatTheStreamCannotHoldWithTheReason)
 {
     auto stream = fixedStream(2);
-    AsyncSampleWriter writer(stream);
-    uni_testing::AssertCapture capture;
+    AsyncSampleWriter writer(stream, 20); // two samples of 10 bytes per block
+    uni_testing::AssertCapture asserts;
     EXPECT_FALSE(writer.append(0x10000, 1.0));
-    EXPECT_TRUE(capture.fired("timestamp <= m_stream->timestampMask()", "65536"));
-    EXPECT_TRUE(writer.append(0xFFFF, 1.0));
+    EXPECT_TRUE(asserts.fired("timestamp <= m_stream->timestampMask()", "65536"));
+    ASSERT_TRUE(writer.append(0xFFF0, 1.0));
+    EXPECT_FALSE(writer.append(0xFFEF, 2.0));
+    EXPECT_TRUE(asserts.fired("!m_has_last || timestamp >= m_last_timestamp", "goes back"));
+    EXPECT_FALSE(writer.append<float>(0xFFF0, 1.0f));
+    EXPECT_TRUE(asserts.fired("value_size == m_layout.m_fixed_sample_size", "value of 4 bytes"));
+    ASSERT_TRUE(writer.append(0xFFF0, 2.0)) << "equal timestamps within one block are fine";
+    EXPECT_FALSE(writer.append(0xFFF0, 3.0));
+    EXPECT_TRUE(asserts.fired("!m_has_last || timestamp != m_last_timestamp", "do not fit into one block"));
+    EXPECT_EQ(writer.appendedCount(), 2u);
+    EXPECT_EQ(writer.lastTimestamp(), 0xFFF0u);
+
+    const std::vector<std::uint8_t> big(300, 1);
+    const struct
+    {
+        std::uint32_t size_field, value_size;
+        bool accepted;
+    } values[] = {{1, 256, false}, {1, 255, true}, {2, 300, true}};
+    for (const auto& v : values) {
+        auto variable = std::make_shared<AsyncSampleStream>(AsyncSampleLayout::variableSize(8, v.size_field));
+        EXPECT_EQ(AsyncSampleWriter(variable, 4096 - 48).appendValue(1, big.data(), v.value_size), v.accepted)
+            << v.size_field << " " << v.value_size;
+    }
+    AsyncSampleWriter unusable(std::make_shared<AsyncSampleStream>(AsyncSampleLayout::fixedSize(0, 8)));
+    EXPECT_FALSE(unusable.append(1, 1.0));
 }
 
-TEST(AsyncSampleWriterRefuses, ValueOfTheWrongSize)
-{
-    auto stream = fixedStream();
-    AsyncSampleWriter writer(stream);
-    uni_testing::AssertCapture capture;
-    EXPECT_FALSE(writer.append<float>(1, 1.0f));
-    EXPECT_EQ(capture.size(), 1u);
-
-    auto variable = std::make_shared<AsyncSampleStream>(AsyncSampleLayout::variableSize(8, 1));
-    AsyncSampleWriter variable_writer(variable, 4096 - 48);
-    std::vector<std::uint8_t> big(256, 1);
-    EXPECT_FALSE(variable_writer.appendValue(1, big.data(), 256)) << "a one-byte size field holds up to 255";
-    EXPECT_TRUE(variable_writer.appendValue(1, big.data(), 255));
-    EXPECT_EQ(capture.size(), 2u);
-}
-
-TEST(AsyncSampleWriterRefuses, EqualTimestampsAcrossABlockBoundary)
-{
-    auto stream = fixedStream();
-    AsyncSampleWriter writer(stream, 32); // two samples per block
-    EXPECT_TRUE(writer.append(5, 1.0));
-    EXPECT_TRUE(writer.append(5, 2.0)) << "equal timestamps within one block are fine";
-    uni_testing::AssertCapture capture;
-    EXPECT_FALSE(writer.append(5, 3.0));
-    EXPECT_TRUE(capture.fired("!m_has_last || timestamp != m_last_timestamp", "do not fit into one block"));
-    EXPECT_TRUE(writer.append(6, 3.0));
-    writer.finish();
-    EXPECT_EQ(allTimestamps(stream), (std::vector<std::uint64_t>{5, 5, 6}));
-}
-
-TEST(AsyncSampleWriterBlocks, FullBlocksCloseIntoTheMap)
+TEST(AsyncSampleWriterBlocks, FullBlocksCloseAndPublishAndABlockFitsOneSampleExactly)
 {
     auto stream = fixedStream();
     AsyncSampleWriter writer(stream, 48); // three samples per block
@@ -94,19 +74,23 @@ TEST(AsyncSampleWriterBlocks, FullBlocksCloseIntoTheMap)
     EXPECT_EQ(stream->closedBlockCount(), 2u);
     EXPECT_EQ(writer.visibleCount(), 6u) << "closing a block publishes it";
     writer.finish();
-    EXPECT_EQ(stream->closedBlockCount(), 3u);
     EXPECT_EQ(writer.visibleCount(), 7u);
-
     std::uint32_t count = 0;
-    SampleDataBlockPtr last = stream->findBlockForSeek(14, count);
+    daq::SampleDataBlockPtr last = stream->findBlockForSeek(14, count);
     ASSERT_TRUE(last);
     EXPECT_EQ(last->m_sample_count, 1u);
-    EXPECT_EQ(last->m_first_timestamp, 14u);
     EXPECT_EQ(last->m_time_span, 1u);
     EXPECT_EQ(last->m_data_length, 16u);
+    EXPECT_EQ(stream->findBlockForSeek(5, count)->m_time_span, 5u); // 2 to 6
+
+    auto exact = fixedStream();
+    AsyncSampleWriter one_each(exact, 16);
+    for (std::uint64_t t = 1; t <= 3; ++t)
+        one_each.append(t, 0.0);
+    EXPECT_EQ(exact->closedBlockCount(), 2u);
 }
 
-TEST(AsyncSampleWriterBlocks, OversizedSampleGetsAPageSizedBlock)
+TEST(AsyncSampleWriterBlocks, OversizedSamplesGetAPageSizedBlockAndNarrowTimestampsAreTruncated)
 {
     auto stream = std::make_shared<AsyncSampleStream>(AsyncSampleLayout::variableSize(8, 4));
     AsyncSampleWriter writer(stream, 64);
@@ -115,70 +99,67 @@ TEST(AsyncSampleWriterBlocks, OversizedSampleGetsAPageSizedBlock)
         frame[i] = static_cast<std::uint8_t>(i * 7);
     ASSERT_TRUE(writer.appendValue(1, frame.data(), 5000));
     writer.finish();
-    AsyncSampleIterator it = daq::createIterator(stream, 1, daq::SEEK_EXACT);
-    ASSERT_TRUE(it.isValid());
+    daq::AsyncSampleIterator it = daq::createIterator(stream, 1, daq::SEEK_EXACT);
     ASSERT_EQ(it.GetValueSize(), 5000u);
     EXPECT_EQ(std::memcmp(it.GetValue(), frame.data(), 5000), 0);
     std::uint32_t count = 0;
     EXPECT_EQ(stream->findBlockForSeek(1, count)->m_payload_capacity, 2 * 4096u - 48);
-}
 
-TEST(AsyncSampleWriterBlocks, NarrowTimestampsAreStoredTruncated)
-{
-    auto stream = fixedStream(3);
-    AsyncSampleWriter writer(stream);
-    ASSERT_TRUE(writer.append(0xABCDEF, 0.5));
-    writer.finish();
-    AsyncSampleIterator it = daq::createIterator(stream, 0xABCDEF, daq::SEEK_EXACT);
-    ASSERT_TRUE(it.isValid());
+    auto narrow = fixedStream(3);
+    AsyncSampleWriter narrow_writer(narrow);
+    ASSERT_TRUE(narrow_writer.append(0xABCDEF, 0.5));
+    narrow_writer.finish();
+    daq::AsyncSampleIterator at = daq::createIterator(narrow, 0xABCDEF, daq::SEEK_EXACT);
     // The byte after the three-byte field is the value's first byte, not part of the timestamp.
-    EXPECT_EQ(it.currentSample()[0], 0xEF);
-    EXPECT_EQ(it.currentSample()[2], 0xAB);
-    double value = 0;
-    std::memcpy(&value, it.GetValue(), sizeof(value));
-    EXPECT_EQ(value, 0.5);
+    const std::uint8_t expected[] = {0xEF, 0xCD, 0xAB, 0, 0, 0, 0, 0, 0, 0xE0, 0x3F};
+    EXPECT_EQ(std::memcmp(at.currentSample(), expected, sizeof(expected)), 0);
 }
 
-TEST(AsyncSampleWriterPublishing, NothingIsVisibleBeforePublish)
+TEST(AsyncSampleWriterBlocks, SampleBytesAreLaidOutAsTheLayoutSays)
 {
-    auto stream = fixedStream();
+    uni_testing::AssertCapture asserts; // an eight-byte size field is reported on every read
+    auto wide = std::make_shared<AsyncSampleStream>(AsyncSampleLayout::variableSize(4, 8));
+    AsyncSampleWriter wide_writer(wide);
+    EXPECT_FALSE(wide_writer.appendValue(1, nullptr, 1));
+    ASSERT_TRUE(wide_writer.appendValue(0x01020304, "a", 1));
+    wide_writer.finish();
+    const std::uint8_t wide_bytes[] = {4, 3, 2, 1, 1, 0, 0, 0, 0, 0, 0, 0, 'a'};
+    EXPECT_EQ(
+        std::memcmp(daq::createIterator(wide, 0, daq::SEEK_AT_OR_AFTER).currentSample(), wide_bytes, 13), 0);
+
+    AsyncSampleLayout value_first = AsyncSampleLayout::fixedSize(2, 2);
+    value_first.m_timestamp_field.m_offset = 2;
+    value_first.m_value_offset = 0;
+    auto stream = std::make_shared<AsyncSampleStream>(value_first);
     AsyncSampleWriter writer(stream);
-    writer.append(1, 1.0);
-    writer.append(2, 2.0);
-    EXPECT_EQ(writer.visibleCount(), 0u);
-    EXPECT_TRUE(allTimestamps(stream).empty());
-    writer.publish();
-    EXPECT_EQ(writer.visibleCount(), 2u);
-    EXPECT_EQ(allTimestamps(stream), (std::vector<std::uint64_t>{1, 2}));
-    EXPECT_EQ(stream->closedBlockCount(), 0u) << "published, still live";
+    writer.append<std::uint16_t>(5, 0xAAAA);
+    writer.append<std::uint16_t>(6, 0xBBBB);
+    writer.finish();
+    const std::uint8_t bytes[] = {0xAA, 0xAA, 5, 0, 0xBB, 0xBB, 6, 0};
+    EXPECT_EQ(std::memcmp(daq::createIterator(stream, 5, daq::SEEK_EXACT).currentSample(), bytes, 8), 0);
 }
 
-TEST(AsyncSampleWriterPublishing, DestructionFinishesSoNothingIsLost)
+TEST(AsyncSampleWriterPublishing, NothingIsVisibleBeforePublishNothingIsLostAndALaterWriterGoesOn)
 {
     auto stream = fixedStream();
     {
         AsyncSampleWriter writer(stream);
         writer.append(1, 1.0);
-        writer.append(3, 2.0);
+        writer.append(2, 2.0);
+        EXPECT_TRUE(allTimestamps(stream).empty());
+        writer.publish();
+        EXPECT_EQ(allTimestamps(stream), (Ticks{1, 2}));
+        EXPECT_EQ(stream->closedBlockCount(), 0u) << "published, still live";
+        writer.append(10, 3.0);
     }
-    EXPECT_EQ(allTimestamps(stream), (std::vector<std::uint64_t>{1, 3}));
-    EXPECT_EQ(stream->closedBlockCount(), 1u);
-}
-
-TEST(AsyncSampleWriterPublishing, LaterWriterGoesOnAfterTheExistingBlocks)
-{
-    auto stream = fixedStream();
-    {
-        AsyncSampleWriter writer(stream);
-        writer.append(10, 1.0);
-    }
+    EXPECT_EQ(allTimestamps(stream), (Ticks{1, 2, 10})) << "destruction finishes";
     AsyncSampleWriter writer(stream);
     EXPECT_EQ(writer.lastTimestamp(), 10u);
-    uni_testing::AssertCapture capture;
+    uni_testing::AssertCapture asserts;
     EXPECT_FALSE(writer.append(10, 2.0)) << "would start a second block at 10";
     EXPECT_TRUE(writer.append(11, 2.0));
     writer.finish();
-    EXPECT_EQ(allTimestamps(stream), (std::vector<std::uint64_t>{10, 11}));
+    EXPECT_EQ(allTimestamps(stream), (Ticks{1, 2, 10, 11}));
 }
 
 } // namespace

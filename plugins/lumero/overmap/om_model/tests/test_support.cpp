@@ -1,6 +1,5 @@
 #include "test_support.h"
 
-#include <lum_data/async_scalar_channel.h>
 #include <lum_data/memory_time_base.h>
 #include <lum_data/sync_scalar_channel.h>
 
@@ -38,17 +37,6 @@ std::shared_ptr<ferrin::ScalarChannel> makeChannel(double rate, std::vector<doub
     ferrin::ChannelSetup setup = nextSetup(rate);
     const std::uint64_t stream = setup.id.toUInt64();
     return lum::data::SyncScalarChannel::create(std::move(setup), std::move(values), regions(), stream);
-}
-
-std::shared_ptr<ferrin::ScalarChannel> makeAsyncChannel(const std::vector<std::pair<double, double>>& samples)
-{
-    constexpr double RATE = 1e6;
-    std::vector<lum::data::AsyncScalarChannel::TimedValue> timed;
-    for (const auto& [time, value] : samples)
-        timed.emplace_back(static_cast<ferrin::Tick>(std::llround(time * RATE)), value);
-    ferrin::ChannelSetup setup = nextSetup(RATE);
-    const std::uint64_t stream = setup.id.toUInt64();
-    return lum::data::AsyncScalarChannel::create(std::move(setup), timed, regions(), stream);
 }
 
 double metres(const math_geo::GeoPosition& a, const math_geo::GeoPosition& b)

@@ -25,11 +25,6 @@ math_geo::ProjectionPlane sitePlane(double rotation = 0.0);
 /// A synchronous host-side channel starting at 0 s with @p rate samples per second.
 std::shared_ptr<ferrin::ScalarChannel> makeChannel(double rate, std::vector<double> values);
 
-/// An asynchronous host-side channel on a 1 MHz time base starting at 0 s: each sample
-/// (time in seconds, value) has its own timestamp.
-std::shared_ptr<ferrin::ScalarChannel>
-makeAsyncChannel(const std::vector<std::pair<double, double>>& samples);
-
 /// Distance in metres between two positions; small numbers only.
 double metres(const math_geo::GeoPosition& a, const math_geo::GeoPosition& b);
 
