@@ -84,8 +84,20 @@ bool parseTimeOfDay(std::string_view s, double& out)
     const int sec = (s[4] - '0') * 10 + (s[5] - '0');
     double fraction = 0.0;
     if (s.size() > 6) {
-        const auto f = detail::toDouble(std::string("0") + std::string(s.substr(6)));
-        if (!f || s[6] != '.')
+        if (s[6] != '.')
+            return false;
+        // "0" before the fraction, on the stack: this runs for every sentence.
+        const std::string_view rest = s.substr(6);
+        char text[32];
+        std::optional<double> f;
+        if (rest.size() < sizeof text) {
+            text[0] = '0';
+            std::memcpy(text + 1, rest.data(), rest.size());
+            f = detail::toDouble(std::string_view(text, rest.size() + 1));
+        } else {
+            f = detail::toDouble(std::string("0") + std::string(rest));
+        }
+        if (!f)
             return false;
         fraction = *f;
     }
@@ -199,17 +211,18 @@ private:
 
     void split(std::string_view body)
     {
+        // A plain loop over the bytes: fields are a few characters long, too short
+        // for a library search per field to pay.
         m_fields.clear();
-        std::size_t from = 0;
-        while (true) {
-            const std::size_t at = body.find(',', from);
-            if (at == std::string_view::npos) {
-                m_fields.push_back(body.substr(from));
-                return;
+        const char* from = body.data();
+        const char* const end = from + body.size();
+        for (const char* p = from; p != end; ++p) {
+            if (*p == ',') {
+                m_fields.emplace_back(from, static_cast<std::size_t>(p - from));
+                from = p + 1;
             }
-            m_fields.push_back(body.substr(from, at - from));
-            from = at + 1;
         }
+        m_fields.emplace_back(from, static_cast<std::size_t>(end - from));
     }
 
     std::string_view field(std::size_t i) const
@@ -381,6 +394,16 @@ ImportResult importNmeaText(std::string_view text, const std::string& source)
 
     // Times relative to the first epoch keep full precision; the absolute start is added back.
     const double origin = static_cast<double>(epochs.front().day) * 86400.0 + epochs.front().time_of_day;
+    // Each channel at its final size at once: growing by doubling would copy them all
+    // and, for a moment, hold them twice.
+    std::size_t counts[FIELD_COUNT] = {};
+    for (const Epoch& e : epochs)
+        for (std::size_t f = 0; f < FIELD_COUNT; ++f)
+            counts[f] += std::isnan(e.value[f]) ? 0 : 1;
+    for (std::size_t f = 0; f < FIELD_COUNT; ++f) {
+        rec.channels[f].times.reserve(counts[f]);
+        rec.channels[f].values.reserve(counts[f]);
+    }
     for (const Epoch& e : epochs) {
         const double t = static_cast<double>(e.day - epochs.front().day) * 86400.0 +
                          (e.time_of_day - epochs.front().time_of_day);
