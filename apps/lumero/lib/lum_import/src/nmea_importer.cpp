@@ -54,24 +54,6 @@ int hexValue(char c)
     return -1;
 }
 
-// The sentence between '$' and '*' when its checksum is right; empty otherwise.
-std::string_view checkedBody(std::string_view line)
-{
-    const std::size_t star = line.rfind('*');
-    if (star == std::string_view::npos || star + 3 != line.size())
-        return {};
-    const int hi = hexValue(line[star + 1]);
-    const int lo = hexValue(line[star + 2]);
-    if (hi < 0 || lo < 0)
-        return {};
-    unsigned sum = 0;
-    for (std::size_t i = 1; i < star; ++i)
-        sum ^= static_cast<unsigned char>(line[i]);
-    if (sum != static_cast<unsigned>(hi * 16 + lo))
-        return {};
-    return line.substr(1, star - 1);
-}
-
 bool parseTimeOfDay(std::string_view s, double& out)
 {
     if (s.size() < 6)
@@ -179,12 +161,10 @@ public:
             return;
         }
         ++m_rec.lines;
-        const std::string_view body = checkedBody(text);
-        if (body.empty()) {
+        if (!checkedSplit(text)) {
             bad(line_no);
             return;
         }
-        split(body);
         const std::string_view address = m_fields[0];
         if (address.size() < 3 || address.front() == 'P')
             return; // proprietary
@@ -209,20 +189,32 @@ public:
 private:
     void bad(std::size_t line_no) { detail::countBad(m_rec, line_no); }
 
-    void split(std::string_view body)
+    // Splits the sentence between '$' and '*' into m_fields in the same pass over its
+    // bytes that sums them up; false when the sentence is empty or its checksum is
+    // missing or wrong. A plain loop: fields are a few characters long, too short for a
+    // library search per field to pay.
+    bool checkedSplit(std::string_view line)
     {
-        // A plain loop over the bytes: fields are a few characters long, too short
-        // for a library search per field to pay.
+        const std::size_t star = line.rfind('*');
+        if (star == std::string_view::npos || star + 3 != line.size() || star < 2)
+            return false;
+        const int hi = hexValue(line[star + 1]);
+        const int lo = hexValue(line[star + 2]);
+        if (hi < 0 || lo < 0)
+            return false;
         m_fields.clear();
-        const char* from = body.data();
-        const char* const end = from + body.size();
+        unsigned sum = 0;
+        const char* from = line.data() + 1;
+        const char* const end = line.data() + star;
         for (const char* p = from; p != end; ++p) {
+            sum ^= static_cast<unsigned char>(*p);
             if (*p == ',') {
                 m_fields.emplace_back(from, static_cast<std::size_t>(p - from));
                 from = p + 1;
             }
         }
         m_fields.emplace_back(from, static_cast<std::size_t>(end - from));
+        return sum == static_cast<unsigned>(hi * 16 + lo);
     }
 
     std::string_view field(std::size_t i) const
