@@ -96,26 +96,7 @@ TEST(SimpleSpreadsheetBuilderDispatcher, PassesEveryCallToEachBuilderInOrder)
                             "A: empty", "B: empty", "A: endRow", "B: endRow", "A: endTable", "B: endTable"));
 }
 
-TEST(SimpleSpreadsheetBuilderDispatcher, ReportsNoTextOfItsOwn)
-{
-    std::vector<std::string> journal;
-    RecordingBuilder builder("A", journal);
-    SimpleSpreadsheetBuilderDispatcher dispatcher;
-    dispatcher.addBuilder(&builder);
-    writeSmallTable(dispatcher);
-    EXPECT_EQ(dispatcher.data(), nullptr);
-    EXPECT_EQ(dispatcher.size(), 0u);
-    EXPECT_EQ(dispatcher.toString(), "");
-}
-
-TEST(SimpleSpreadsheetBuilderDispatcher, WithoutBuildersDoesNothing)
-{
-    SimpleSpreadsheetBuilderDispatcher dispatcher;
-    writeSmallTable(dispatcher);
-    EXPECT_THAT(dispatcher.builders(), IsEmpty());
-}
-
-TEST(SimpleSpreadsheetBuilderDispatcher, RefusesNullAndItself)
+TEST(SimpleSpreadsheetBuilderDispatcher, RefusesNullAndItselfAndHasNoTextOfItsOwn)
 {
     uni_testing::AssertCapture asserts;
     SimpleSpreadsheetBuilderDispatcher dispatcher;
@@ -127,6 +108,9 @@ TEST(SimpleSpreadsheetBuilderDispatcher, RefusesNullAndItself)
     EXPECT_THAT(dispatcher.builders(), IsEmpty());
     // Had it kept itself, this would recurse without end.
     writeSmallTable(dispatcher);
+    EXPECT_EQ(dispatcher.data(), nullptr) << "no text of its own";
+    EXPECT_EQ(dispatcher.size(), 0u);
+    EXPECT_EQ(dispatcher.toString(), "");
 }
 
 TEST(SpreadsheetExport, FillsAllFormatsAsIfWrittenOneByOne)
