@@ -184,7 +184,7 @@ TEST_F(ChannelListConfigTest, FewerValuesThanKeysRepeatAndNullValuesSkipTheirKey
     EXPECT_EQ(manager.calls.front().front().key, "k1");
 }
 
-TEST_F(ChannelListConfigTest, WithoutConfigManagerNothingIsSent)
+TEST_F(ChannelListConfigTest, WithoutConfigManagerOrWithAnInvalidValueNothingIsSent)
 {
     add(1, "a");
     list.setChannelConfigManager(nullptr);
@@ -197,6 +197,12 @@ TEST_F(ChannelListConfigTest, WithoutConfigManagerNothingIsSent)
     EXPECT_TRUE(asserts.fired("m_channel_config_manager != nullptr", "ChannelConfigManager is not set!"));
     EXPECT_EQ(asserts.size(), 2u);
     EXPECT_FALSE(list.channelActionInProgress());
+
+    list.setChannelConfigManager(&manager);
+    EXPECT_FALSE(list.setConfigItem("Ferrin/Color", QVariant()));
+    EXPECT_TRUE(
+        asserts.fired("value.isValid()", "setConfigItem: called with value 'invalid' for key Ferrin/Color"));
+    EXPECT_TRUE(manager.calls.empty());
 }
 
 // ---------------------------------------------------------------------------------------

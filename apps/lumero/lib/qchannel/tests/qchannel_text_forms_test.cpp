@@ -225,7 +225,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(SimpleXmlForm, CdataAndDerivedCommentsAreRead)
 {
     const auto read = lum::qchannel::readSimpleXmlConfig(
-        "<Channel><!--a/b--><a-b><![CDATA[x<y]]></a-b><!--c--><!--<c>1</c>--></Channel>");
+        "<Channel> <!--a/b--> <a-b><![CDATA[x<y]]></a-b>\r\n\t<!--c--><!--<c>1</c>--></Channel>");
     ASSERT_TRUE(read.has_value());
     EXPECT_EQ(read->passed_over, 0u);
     ASSERT_EQ(read->entries.size(), 2u);
