@@ -89,6 +89,7 @@ TEST_F(ChannelListTest, FindsTheFirstChannelWhoseItemEqualsTheValue)
     EXPECT_EQ(list->getChannelByConfigItem("Gain", 0.3), nullptr) << "doubles compare exactly, as items do";
     EXPECT_EQ(list->getChannelByConfigItem("Gain", std::nan("")), b) << "NaN matches NaN";
     EXPECT_EQ(list->getChannelByConfigItem("Source", QString::number(ChannelID(5, 1).toUInt64())), c);
+    EXPECT_EQ(list->getChannelByConfigItem("Source", "12345"), nullptr) << "another id text";
     EXPECT_EQ(list->getChannelByConfigItem("Used", true), a) << "the first in list order";
     EXPECT_EQ(list->getChannelByConfigItem("Missing", 1), nullptr);
 }

@@ -145,6 +145,7 @@ TEST(VectorChannels, IndexedValuesSlicesAndRanges)
     channel->getItemStore()->set("Range", config_items::RangeConfigItem<double>(-5.0, 7.5, "V", "V"));
     QChannel vector(channel);
 
+    EXPECT_EQ(vector.indexedValueAtTime(0, 0.5).toDouble(), 0.0);
     EXPECT_EQ(vector.indexedValueAtTime(3, 0.5).toDouble(), 3.0);
     EXPECT_EQ(vector.indexedValueAtTimeEnsureLoaded(5, 0.5).toDouble(), 5.0);
     EXPECT_TRUE(isNaNValue(vector.indexedValueAtTime(6, 0.5)));
