@@ -99,6 +99,7 @@ INSTANTIATE_TEST_SUITE_P(
                       NearRow{"sync_next_nearer", false, 0.006, 101.0, 0.01},
                       NearRow{"sync_midpoint_goes_to_the_next", false, 0.005, 101.0, 0.01},
                       NearRow{"sync_after_the_last_within_a_period", false, 0.995, 199.0, 0.99},
+                      NearRow{"sync_more_than_a_period_after_the_last", false, 1.005, NONE, 1.005},
                       NearRow{"sync_far_after_the_last", false, 1.5, NONE, 1.5}),
     [](const auto& info) { return std::string(info.param.name); });
 
