@@ -230,6 +230,7 @@ TEST_F(ChannelListConfigTest, ActionIsAvailableWhenEveryChannelOrItsMetadataSour
     EXPECT_FALSE(list.isChannelActionAvailable("ACTION:Zero")) << "its source is not in the list";
 
     QChannelListModel queued(QChannelListModel::DELIVERY_QUEUED, true);
+    uni_testing::attachModelTester(&queued);
     queued.notify(ferrin::NOTIFY_CHANNEL_ADDED, makeChannel(5, 1, "a"));
     uni_testing::AssertCapture asserts;
     EXPECT_FALSE(queued.isChannelActionAvailable("ACTION:Zero"));
