@@ -90,6 +90,8 @@ TEST(InstrumentModel, DefaultsCountAndGroup)
     EXPECT_EQ(model.getChannels()->parent(), &model);
     EXPECT_EQ(model.getDataWindowProviderType(), "test::instrument");
     EXPECT_FALSE(model.isGrouped());
+    EXPECT_FALSE(model.property("showsTimeSpan").toBool());
+    EXPECT_FALSE(model.property("usesTimeFormat").toBool());
     im::InstrumentsGroupModel group;
     EXPECT_TRUE(TestInstrument(1, &group).isGrouped());
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <limits>
 #include <string>
 
 using lum_utils::SpreadsheetTextBuffer;
@@ -23,6 +24,11 @@ TEST(SpreadsheetTextBuffer, CapacityDoublesWhenFull)
     const std::string fits(49, 'a');
     buffer.append(fits);
     EXPECT_EQ(buffer.capacity(), 50u) << "49 bytes and the null fit the first block";
+    const char* object_begin = reinterpret_cast<const char*>(&buffer);
+    EXPECT_TRUE(buffer.data() >= object_begin && buffer.data() < object_begin + sizeof(buffer))
+        << "still inline";
+    buffer.appendFormat("%s", "");
+    EXPECT_FALSE(buffer.truncated()) << "nothing written is no error";
     buffer.append("b", 1);
     EXPECT_EQ(buffer.capacity(), 100u);
     buffer.append(std::string(150, 'c'));
@@ -61,6 +67,11 @@ TEST(SpreadsheetTextBuffer, FailedGrowthKeepsTheBufferAndCutsTheTextShort)
     buffer.appendSpaces(3);
     EXPECT_EQ(buffer.size(), 99u);
     EXPECT_EQ(buffer.data()[99], '\0');
+
+    SpreadsheetTextBuffer huge;
+    huge.appendSpaces(std::numeric_limits<std::size_t>::max() - 10); // no size can double to it
+    EXPECT_TRUE(huge.truncated());
+    EXPECT_EQ(huge.size(), 49u);
 
     SpreadsheetTextBuffer formatted;
     formatted.setCapacityLimit(50);
