@@ -30,7 +30,8 @@ namespace instrument_test {
 class Channels
 {
 public:
-    lum::qchannel::QChannel* make(channel_config::ChannelID id, const std::string& name)
+    lum::qchannel::QChannel* make(channel_config::ChannelID id, const std::string& name,
+                                  std::vector<double> values = {1.0, 2.0})
     {
         ferrin::ChannelSetup setup;
         setup.id = id;
@@ -40,8 +41,9 @@ public:
         setup.items = std::make_shared<ferrin::ConfigItemStore>();
         setup.items->set("Ferrin/Name", config_items::StringConfigItem(name));
         setup.items->set("Used", config_items::SingleValueConfigItem<bool>(true));
+        setup.items->set("Unit", config_items::StringConfigItem("V"));
         auto channel =
-            lum::data::SyncScalarChannel::create(std::move(setup), {1.0, 2.0}, m_regions, ++m_stream);
+            lum::data::SyncScalarChannel::create(std::move(setup), std::move(values), m_regions, ++m_stream);
         m_manager.addChannel(channel);
         m_channels.push_back(std::make_unique<lum::qchannel::QChannel>(channel));
         return m_channels.back().get();

@@ -76,89 +76,24 @@ public Q_SLOTS:
     }
 };
 
-QStringList ownNames(const QMetaObject& meta, bool properties)
-{
-    QStringList names;
-    if (properties) {
-        for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i)
-            names << meta.property(i).name();
-    } else {
-        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
-            if (meta.method(i).methodType() == QMetaMethod::Signal)
-                names << QString::fromLatin1(meta.method(i).name());
-    }
-    return names;
-}
-
 // --- defaults and the meta-object ----------------------------------------------------------
 
-TEST(InstrumentModel, Defaults)
-{
-    TestInstrument model;
-    EXPECT_EQ(model.property("type").toInt(), 0);
-    EXPECT_EQ(model.property("typeString").toString(), "test::instrument");
-    EXPECT_EQ(model.property("key").toString(), QString());
-    EXPECT_EQ(model.getGeometry(), QRectF(0.0, 0.0, 0.2, 0.2));
-    EXPECT_EQ(model.property("maxChannels").toInt(), 1);
-    EXPECT_EQ(model.getUnifiedProperties(), nullptr);
-    EXPECT_FALSE(model.property("backgroundVisible").toBool());
-    EXPECT_FALSE(model.property("timeFormatVisible").toBool());
-    EXPECT_FALSE(model.property("usesTimeFormat").toBool());
-    EXPECT_EQ(model.property("channelLabelFormat").toInt(), InstrumentModel::CHANNEL_LABEL_FORMAT_DEFAULT);
-    EXPECT_FALSE(model.property("showsTimeSpan").toBool());
-    EXPECT_FALSE(model.property("supportsTimeRangeConnection").toBool());
-    EXPECT_EQ(model.property("timeRangeConnectionMode").toInt(), InstrumentModel::TIME_RANGE_CONNECTION_OFF);
-    EXPECT_EQ(model.property("connectionGroup").toString(), QString());
-    EXPECT_EQ(model.getControlChannel(), nullptr);
-    EXPECT_EQ(model.property("ccChannelsItem").toString(), QString());
-    EXPECT_EQ(model.getChannels()->size(), 0);
-    EXPECT_TRUE(model.getChannels()->tracking());
-    EXPECT_EQ(model.getChannels()->parent(), &model);
-    EXPECT_EQ(model.getApplication(), nullptr);
-    EXPECT_TRUE(model.getDataWindows().empty());
-    EXPECT_EQ(model.getDelegateValue(), "");
-    EXPECT_EQ(model.getDataWindowProviderType(), "test::instrument");
-    EXPECT_FALSE(model.hostCapabilityFlag());
-    EXPECT_TRUE(model.getExtraChannelIds().empty());
-    EXPECT_FALSE(model.isGrouped());
-}
-
-TEST(InstrumentModel, PropertiesAndSignalsStandInTheirOrder)
-{
-    EXPECT_EQ(ownNames(InstrumentModel::staticMetaObject, true),
-              QString("type typeString key position width height channels maxChannels unifiedProperties "
-                      "backgroundVisible timeFormatVisible usesTimeFormat channelLabelFormat showsTimeSpan "
-                      "supportsTimeRangeConnection timeRangeConnectionMode connectionGroup controlChannel "
-                      "ccChannelsItem")
-                  .split(' '));
-    EXPECT_EQ(
-        ownNames(InstrumentModel::staticMetaObject, false),
-        QString("typeChanged keyChanged positionChanged widthChanged heightChanged channelsChanged "
-                "maxChannelsChanged dataWindowsChanged backgroundVisibleChanged timeFormatVisibleChanged "
-                "channelLabelFormatChanged timeRangeConnectionModeChanged timeRangeChanged "
-                "timeRangeChangeRequest connectionGroupChanged configChanged geometryChanged "
-                "settingChanged controlChannelChanged ccChannelsItemChanged fullZoomRequested")
-            .split(' '));
-}
-
-TEST(InstrumentModel, InstancesAreCounted)
+TEST(InstrumentModel, DefaultsCountAndGroup)
 {
     const long before = InstrumentModel::count();
-    {
-        TestInstrument a;
-        TestInstrument b;
-        EXPECT_EQ(InstrumentModel::count(), before + 2);
-    }
-    EXPECT_EQ(InstrumentModel::count(), before);
-    EXPECT_EQ(InstrumentModel::countableName(), "::uni::Countable<InstrumentModel>");
-}
-
-TEST(InstrumentModel, GroupedInsideAGroupOfInstruments)
-{
+    TestInstrument model;
+    EXPECT_EQ(InstrumentModel::count(), before + 1);
+    EXPECT_EQ(model.property("typeString").toString(), "test::instrument");
+    EXPECT_EQ(model.getGeometry(), QRectF(0.0, 0.0, 0.2, 0.2));
+    EXPECT_EQ(model.property("timeRangeConnectionMode").toInt(), InstrumentModel::TIME_RANGE_CONNECTION_OFF);
+    EXPECT_TRUE(model.getChannels()->tracking());
+    EXPECT_EQ(model.getChannels()->parent(), &model);
+    EXPECT_EQ(model.getDataWindowProviderType(), "test::instrument");
+    EXPECT_FALSE(model.isGrouped());
+    EXPECT_FALSE(model.property("showsTimeSpan").toBool());
+    EXPECT_FALSE(model.property("usesTimeFormat").toBool());
     im::InstrumentsGroupModel group;
-    QObject other;
     EXPECT_TRUE(TestInstrument(1, &group).isGrouped());
-    EXPECT_FALSE(TestInstrument(1, &other).isGrouped());
 }
 
 // --- the notification chain ------------------------------------------------------------------
@@ -265,32 +200,20 @@ INSTANTIATE_TEST_SUITE_P(Setters, Chain, ::testing::Values(
     [](const ::testing::TestParamInfo<ChainCase>& info) { return std::string(info.param.name); });
 // clang-format on
 
-TEST(InstrumentModel, AWidthOverTheEdgeIsToldEachTime)
+TEST(InstrumentModel, EdgeWidthLockedLabelFormatAndTimeRangeMode)
 {
-    TestInstrument model;
+    TestInstrument model(1, nullptr, true, true);
     QSignalSpy width(&model, &InstrumentModel::widthChanged);
-    ASSERT_TRUE(width.isValid());
-    model.setWidth(1.5);
-    model.setWidth(1.5);
-    EXPECT_EQ(width.count(), 2);
-    EXPECT_EQ(model.getWidth(), 1.0);
-}
-
-TEST(InstrumentModel, ALabelFormatSetUnavailableStaysSo)
-{
-    TestInstrument model(1, nullptr, false, true);
     QSignalSpy format(&model, &InstrumentModel::channelLabelFormatChanged);
-    ASSERT_TRUE(format.isValid());
+    QSignalSpy mode(&model, &InstrumentModel::timeRangeConnectionModeChanged);
+    ASSERT_TRUE(width.isValid() && format.isValid() && mode.isValid());
+    model.setWidth(1.5);
+    model.setWidth(1.5);
+    EXPECT_EQ(width.count(), 2) << "a width over the edge is told each time";
+    EXPECT_EQ(model.getWidth(), 1.0);
     model.setChannelLabelFormat(InstrumentModel::CHANNEL_LABEL_FORMAT_SHORT);
     EXPECT_EQ(model.getChannelLabelFormat(), InstrumentModel::CHANNEL_LABEL_NOT_AVAILABLE);
     EXPECT_EQ(format.count(), 0);
-}
-
-TEST(InstrumentModel, TheTimeRangeModeChangesWhereSupported)
-{
-    TestInstrument model(1, nullptr, true);
-    QSignalSpy mode(&model, &InstrumentModel::timeRangeConnectionModeChanged);
-    ASSERT_TRUE(mode.isValid());
     model.setTimeRangeConnectionMode(InstrumentModel::TIME_RANGE_CONNECTION_GROUP);
     model.setTimeRangeConnectionMode(InstrumentModel::TIME_RANGE_CONNECTION_GROUP);
     EXPECT_EQ(mode.count(), 1);
@@ -305,7 +228,6 @@ TEST(InstrumentModel, SettingsOfTheUnifiedPropertiesReachTheInstrument)
     ASSERT_NE(unified, nullptr);
     model.initUnifiedProperties();
     EXPECT_EQ(model.getUnifiedProperties(), unified);
-    EXPECT_EQ(unified->channel(), nullptr);
     EXPECT_EQ(unified->channelList(), model.getChannels());
     SignalRecorder recorder(&model);
     QSignalSpy setting(&model, &InstrumentModel::settingChanged);
@@ -383,10 +305,8 @@ TEST_F(InstrumentChannels, RefusedAdditionsChangeNothing)
     EXPECT_EQ(model.rows(), QStringList({"a", "b"}));
     EXPECT_TRUE(model.hooks.isEmpty());
     EXPECT_EQ(recorder.names, QStringList({"maxChannelsChanged", "maxChannelsChanged"}));
-}
 
-TEST_F(InstrumentChannels, WithoutRoomForChannelsNothingIsAdded)
-{
+    model.removeAllChannels();
     model.setMaxChannels(0);
     EXPECT_FALSE(model.addChannel(a));
     EXPECT_FALSE(model.toggleChannel(a));
@@ -447,6 +367,13 @@ TEST_F(InstrumentChannels, ReplaceToggleAndRemoveAll)
     model.removeAllChannels();
     EXPECT_EQ(model.hooks, QStringList({"removed b", "removed a"}));
     EXPECT_TRUE(model.getDataWindows().empty());
+
+    model.setMaxChannels(1);
+    ASSERT_TRUE(model.toggleChannel(a));
+    ASSERT_TRUE(model.toggleChannel(b));
+    EXPECT_EQ(model.rows(), QStringList{"b"});
+    ASSERT_TRUE(model.toggleChannel(b));
+    EXPECT_TRUE(model.rows().isEmpty());
 }
 
 TEST_F(InstrumentChannels, PropertiesThatAreNotMadeAddNoRow)
@@ -460,25 +387,7 @@ TEST_F(InstrumentChannels, PropertiesThatAreNotMadeAddNoRow)
     EXPECT_TRUE(model.hooks.isEmpty());
 }
 
-TEST_F(InstrumentChannels, ToggledIntoASingleRow)
-{
-    model.setMaxChannels(1);
-    ASSERT_TRUE(model.toggleChannel(a));
-    ASSERT_TRUE(model.toggleChannel(b));
-    EXPECT_EQ(model.rows(), QStringList{"b"});
-    ASSERT_TRUE(model.toggleChannel(b));
-    EXPECT_TRUE(model.rows().isEmpty());
-}
-
-TEST_F(InstrumentChannels, AChannelThatGoesTakesItsRowAlong)
-{
-    ASSERT_TRUE(model.addChannels({a, b}));
-    channels.destroy(a);
-    EXPECT_EQ(model.rows(), QStringList{"b"});
-    EXPECT_EQ(windowChannels(), QStringList{"b"});
-}
-
-TEST_F(InstrumentChannels, AChangedChannelIsCheckedAgain)
+TEST_F(InstrumentChannels, AChangedChannelIsCheckedAgainAndAGoneOneLeaves)
 {
     ASSERT_TRUE(model.addChannels({a, b}));
     model.updates = 0;
@@ -486,12 +395,18 @@ TEST_F(InstrumentChannels, AChangedChannelIsCheckedAgain)
     EXPECT_EQ(model.updates, 1);
     EXPECT_EQ(model.rows(), QStringList({"a", "b"}));
 
-    model.refused.insert(b);
+    model.refused.insert(a); // the first row too
     model.removeChannelsNotAcceptable();
-    EXPECT_EQ(model.rows(), QStringList{"a"});
-    model.refused.insert(a);
-    Channels::setItem(a, "Unit", config_items::StringConfigItem("km"));
+    EXPECT_EQ(model.rows(), QStringList{"b"});
+    model.refused.insert(b);
+    Channels::setItem(b, "Unit", config_items::StringConfigItem("km"));
     EXPECT_TRUE(model.rows().isEmpty());
+
+    // A channel that goes takes its row along.
+    ASSERT_TRUE(model.addChannels({c, d}));
+    channels.destroy(c);
+    EXPECT_EQ(model.rows(), QStringList{"d"});
+    EXPECT_EQ(windowChannels(), QStringList{"d"});
 }
 
 TEST_F(InstrumentChannels, ChangesOfRowsAndTheirSettingsAreConfigChanges)
@@ -521,17 +436,6 @@ TEST_F(InstrumentChannels, ADetectedChangeTellsTheHostWhichProviderChanged)
     ASSERT_EQ(copy.size(), 1u);
     EXPECT_EQ(copy[0].channel, a->ferrinChannel());
     EXPECT_EQ(copy[0].first + copy[0].second, 0u);
-}
-
-TEST(InstrumentModel, TheDelegateAnswersForTheWindows)
-{
-    struct Delegate : im::IfDataWindowDelegate
-    {
-        std::string getDelegateValue() const override { return "delegated"; }
-    } delegate;
-    TestInstrument model;
-    model.setWindowDelegate(&delegate);
-    EXPECT_EQ(model.getDelegateValue(), "delegated");
 }
 
 // --- the control channel ---------------------------------------------------------------------
@@ -589,7 +493,7 @@ TEST_F(ControlChannel, ASingleReferenceReplacesAllRows)
     EXPECT_EQ(model.rows(), QStringList{"c"});
 }
 
-TEST_F(ControlChannel, OtherKindsAndAMissingApplicationChangeNothing)
+TEST_F(ControlChannel, OtherKindsAMissingApplicationOrAFormerControlChannelChangeNothing)
 {
     ASSERT_TRUE(model.addChannels({a, b}));
     Channels::setItem(control, "Channels", config_items::StringConfigItem("1/3"));
@@ -605,14 +509,9 @@ TEST_F(ControlChannel, OtherKindsAndAMissingApplicationChangeNothing)
     ASSERT_TRUE(QMetaObject::invokeMethod(&model, "onCCConfigItemChanged",
                                           Q_ARG(channel_config::ChannelID, {}), Q_ARG(QString, "Channels")));
     EXPECT_EQ(model.rows(), QStringList({"a", "b"}));
-}
-
-TEST_F(ControlChannel, AFormerControlChannelIsNoLongerHeard)
-{
-    model.setControlChannel(control);
-    model.setControlChannel(nullptr);
+    // A former control channel is no longer heard.
     Channels::setItem(control, "Channels", idList({ChannelID(1, 3)}));
-    EXPECT_TRUE(model.rows().isEmpty());
+    EXPECT_EQ(model.rows(), QStringList({"a", "b"}));
 }
 
 // --- the plug-in interface ---------------------------------------------------------------------

@@ -31,22 +31,11 @@ class Settings : public QObject
     Q_OBJECT
     Q_PROPERTY(int count MEMBER m_count NOTIFY countChanged)
     Q_PROPERTY(double scale MEMBER m_scale NOTIFY scaleChanged)
-    Q_PROPERTY(bool visible MEMBER m_visible NOTIFY visibleChanged)
     Q_PROPERTY(QString caption MEMBER m_caption NOTIFY captionChanged)
-    Q_PROPERTY(QVariant extra MEMBER m_extra NOTIFY extraChanged)
-    Q_PROPERTY(Mode mode MEMBER m_mode NOTIFY modeChanged)
-    Q_PROPERTY(QObject* target MEMBER m_target NOTIFY targetChanged)
     Q_PROPERTY(int level READ level WRITE setLevel NOTIFY levelChanged)
     Q_PROPERTY(int fixed MEMBER m_fixed)
 
 public:
-    enum Mode
-    {
-        MODE_PLAIN,
-        MODE_FANCY
-    };
-    Q_ENUM(Mode)
-
     explicit Settings(QObject* parent = nullptr) : QObject(parent) {}
 
     int level() const { return m_level; }
@@ -64,22 +53,14 @@ public:
 Q_SIGNALS:
     void countChanged();
     void scaleChanged();
-    void visibleChanged();
     void captionChanged();
-    void extraChanged();
-    void modeChanged();
-    void targetChanged();
     void levelChanged(int level);
     void settingChanged(QObject* instr, QString setting);
 
 private:
     int m_count = 0;
     double m_scale = 1.0;
-    bool m_visible = false;
     QString m_caption;
-    QVariant m_extra;
-    Mode m_mode = MODE_PLAIN;
-    QObject* m_target = nullptr;
     int m_level = 0;
     int m_fixed = 0;
 };
@@ -153,16 +134,12 @@ class ForwardedProperty : public ::testing::TestWithParam<PropertyCase>
 TEST_P(ForwardedProperty, AChangeIsToldWithOwnerAndName)
 {
     Settings settings;
-    QObject other;
     const PropertyCase& c = GetParam();
     settings.forwarder->addProperty(c.name, true);
     QSignalSpy spy(&settings, &Settings::settingChanged);
     ASSERT_TRUE(spy.isValid());
 
-    QVariant value = c.value;
-    if (!value.isValid()) // the pointer case: only known at run time
-        value = QVariant::fromValue<QObject*>(&other);
-    ASSERT_TRUE(settings.setProperty(c.name, value));
+    ASSERT_TRUE(settings.setProperty(c.name, c.value));
 
     ASSERT_EQ(spy.count(), 1);
     const auto told = emissions(spy);
@@ -172,172 +149,81 @@ TEST_P(ForwardedProperty, AChangeIsToldWithOwnerAndName)
 
 INSTANTIATE_TEST_SUITE_P(Kinds, ForwardedProperty,
                          ::testing::Values(PropertyCase{"count", 3}, PropertyCase{"scale", 2.5},
-                                           PropertyCase{"visible", true},
                                            PropertyCase{"caption", QString("front")},
-                                           PropertyCase{"extra", QVariant(QString("x"))},
-                                           PropertyCase{"mode", QVariant::fromValue(Settings::MODE_FANCY)},
-                                           PropertyCase{"target", QVariant()}, PropertyCase{"level", 7}),
+                                           PropertyCase{"level", 7}),
                          [](const ::testing::TestParamInfo<PropertyCase>& info) {
                              return std::string(info.param.name);
                          });
 
-TEST(PropertyChangeForwarder, EveryEmissionIsToldWithoutLookingAtTheValue)
+TEST(PropertyChangeForwarder, EveryEmissionOfAnAddedPropertyIsToldUntilTheForwarderGoes)
 {
     Settings settings;
     settings.forwarder->addProperty("count", true);
+    settings.forwarder->addProperty("scale", false);
     QSignalSpy spy(&settings, &Settings::settingChanged);
     ASSERT_TRUE(spy.isValid());
 
+    Q_EMIT settings.countChanged(); // the value is not looked at
     Q_EMIT settings.countChanged();
-    Q_EMIT settings.countChanged();
-    EXPECT_EQ(spy.count(), 2);
-}
-
-TEST(PropertyChangeForwarder, OnlyAddedPropertiesAreTold)
-{
-    Settings settings;
-    settings.forwarder->addProperty("count", true);
-    settings.forwarder->addProperty("scale", true);
-    QSignalSpy spy(&settings, &Settings::settingChanged);
-    ASSERT_TRUE(spy.isValid());
-
     settings.setProperty("caption", QString("rear"));
     settings.setProperty("scale", 4.0);
 
     const auto told = emissions(spy);
-    ASSERT_EQ(told.size(), 1u);
-    EXPECT_EQ(told[0].setting, "scale");
-}
+    ASSERT_EQ(told.size(), 3u);
+    EXPECT_EQ(told[1].setting, "count");
+    EXPECT_EQ(told[2].object, &settings);
+    EXPECT_EQ(told[2].setting, "[NO_PROPAGATE]") << "without propagation the placeholder is told";
 
-TEST(PropertyChangeForwarder, WithoutPropagationThePlaceholderIsTold)
-{
-    Settings settings;
-    settings.forwarder->addProperty("visible", false);
-    QSignalSpy spy(&settings, &Settings::settingChanged);
-    ASSERT_TRUE(spy.isValid());
-
-    settings.setProperty("visible", true);
-
-    const auto told = emissions(spy);
-    ASSERT_EQ(told.size(), 1u);
-    EXPECT_EQ(told[0].object, &settings);
-    EXPECT_EQ(told[0].setting, "[NO_PROPAGATE]");
-}
-
-TEST(PropertyChangeForwarder, DeletingTheForwarderStopsTheForwarding)
-{
-    Settings settings;
-    settings.forwarder->addProperty("count", true);
-    settings.forwarder->addProperty("scale", true);
     ASSERT_EQ(augmenterCount(settings), 2);
-
     delete settings.forwarder;
     EXPECT_EQ(augmenterCount(settings), 0);
-
-    QSignalSpy spy(&settings, &Settings::settingChanged);
-    ASSERT_TRUE(spy.isValid());
     settings.setProperty("count", 5);
-    EXPECT_EQ(spy.count(), 0);
+    EXPECT_EQ(spy.count(), 3);
 }
 
 // --- paths through child objects --------------------------------------------------------
 
-TEST(PropertyChangeForwarder, AChildChangeArrivesUnderTheChildsPath)
-{
-    Settings owner;
-    Settings unified(&owner);
-    unified.forwarder->addProperty("scale", true);
-    owner.forwarder->addSource(&unified, "unified");
-    QSignalSpy owner_spy(&owner, &Settings::settingChanged);
-    QSignalSpy child_spy(&unified, &Settings::settingChanged);
-    ASSERT_TRUE(owner_spy.isValid());
-    ASSERT_TRUE(child_spy.isValid());
-
-    unified.setProperty("scale", 0.5);
-
-    const auto child_told = emissions(child_spy);
-    ASSERT_EQ(child_told.size(), 1u);
-    EXPECT_EQ(child_told[0].object, &unified);
-    EXPECT_EQ(child_told[0].setting, "scale");
-    const auto owner_told = emissions(owner_spy);
-    ASSERT_EQ(owner_told.size(), 1u);
-    EXPECT_EQ(owner_told[0].object, &owner);
-    EXPECT_EQ(owner_told[0].setting, "unified.scale");
-}
-
-TEST(PropertyChangeForwarder, AChangeTwoLevelsDownHasAThreePartPath)
+TEST(PropertyChangeForwarder, ChangesBelowArriveUnderTheirPath)
 {
     Settings owner;
     Settings channels(&owner);
     Settings speed(&channels);
+    Settings unified(&owner);
     speed.forwarder->addProperty("level", true);
+    unified.forwarder->addProperty("scale", true);
+    unified.forwarder->addProperty("count", false);
     channels.forwarder->addSource(&speed, "speed");
     owner.forwarder->addSource(&channels, "channels");
+    // Adding a source twice used to connect it twice, so every change came out twice.
+    owner.forwarder->addSource(&unified, "old");
+    owner.forwarder->addSource(&unified, "unified");
     owner.forwarder->addProperty("count", true);
+    {
+        Settings gone;
+        gone.forwarder->addProperty("count", true);
+        owner.forwarder->addSource(&gone, "gone");
+    }
     QSignalSpy spy(&owner, &Settings::settingChanged);
-    ASSERT_TRUE(spy.isValid());
+    QSignalSpy unified_spy(&unified, &Settings::settingChanged);
+    ASSERT_TRUE(spy.isValid() && unified_spy.isValid());
 
     speed.setLevel(4);
+    unified.setProperty("scale", 0.5);
+    unified.setProperty("count", 9);
     owner.setProperty("count", 1);
 
     const auto told = emissions(spy);
-    ASSERT_EQ(told.size(), 2u);
+    ASSERT_EQ(told.size(), 4u);
     EXPECT_EQ(told[0].object, &owner);
     EXPECT_EQ(told[0].setting, "channels.speed.level");
-    EXPECT_EQ(told[0].setting.split('.').size(), 3);
-    EXPECT_EQ(told[1].setting, "count");
-}
-
-TEST(PropertyChangeForwarder, APlaceholderBelowKeepsThePathAbove)
-{
-    Settings owner;
-    Settings unified(&owner);
-    unified.forwarder->addProperty("count", false);
-    owner.forwarder->addSource(&unified, "unified");
-    QSignalSpy spy(&owner, &Settings::settingChanged);
-    ASSERT_TRUE(spy.isValid());
-
-    unified.setProperty("count", 9);
-
-    const auto told = emissions(spy);
-    ASSERT_EQ(told.size(), 1u);
-    EXPECT_EQ(told[0].setting, "unified.[NO_PROPAGATE]");
-}
-
-TEST(PropertyChangeForwarder, ASourceAddedAgainIsToldOnceUnderItsNewPath)
-{
-    // Adding a source twice used to connect it twice, so every change came out twice.
-    Settings owner;
-    Settings child(&owner);
-    child.forwarder->addProperty("count", true);
-    owner.forwarder->addSource(&child, "old");
-    owner.forwarder->addSource(&child, "new");
-    QSignalSpy spy(&owner, &Settings::settingChanged);
-    ASSERT_TRUE(spy.isValid());
-
-    child.setProperty("count", 2);
-
-    const auto told = emissions(spy);
-    ASSERT_EQ(told.size(), 1u);
-    EXPECT_EQ(told[0].setting, "new.count");
-}
-
-TEST(PropertyChangeForwarder, ADestroyedSourceIsHarmless)
-{
-    Settings owner;
-    owner.forwarder->addProperty("count", true);
-    {
-        Settings child;
-        child.forwarder->addProperty("count", true);
-        owner.forwarder->addSource(&child, "gone");
-    }
-    QSignalSpy spy(&owner, &Settings::settingChanged);
-    ASSERT_TRUE(spy.isValid());
-    owner.setProperty("count", 3);
-
-    const auto told = emissions(spy);
-    ASSERT_EQ(told.size(), 1u);
-    EXPECT_EQ(told[0].setting, "count");
+    EXPECT_EQ(told[1].object, &owner);
+    EXPECT_EQ(told[1].setting, "unified.scale");
+    EXPECT_EQ(told[2].setting, "unified.[NO_PROPAGATE]");
+    EXPECT_EQ(told[3].setting, "count");
+    const auto unified_told = emissions(unified_spy);
+    ASSERT_EQ(unified_told.size(), 2u);
+    EXPECT_EQ(unified_told[0].object, &unified);
+    EXPECT_EQ(unified_told[0].setting, "scale");
 }
 
 // --- reports of mistaken use ------------------------------------------------------------
@@ -382,7 +268,7 @@ TEST(PropertyChangeForwarderReports, AnUnregisteredSourceIsReportedAndNotTold)
     EXPECT_EQ(spy.count(), 0);
 }
 
-TEST(PropertyChangeForwarderReports, AnOwnerWithoutTheTargetSignal)
+TEST(PropertyChangeForwarderReports, AnOwnerWithoutTheTargetSignalOrNoOwner)
 {
     Silent owner;
     AssertCapture capture;
@@ -401,33 +287,15 @@ TEST(PropertyChangeForwarderReports, AnOwnerWithoutTheTargetSignal)
     EXPECT_EQ(augmenterCount(owner), 0);
     Q_EMIT owner.countChanged(); // nothing to call, nothing reported
     EXPECT_EQ(capture.size(), 1u);
-}
 
-TEST(PropertyChangeForwarderReports, ANullOwnerIsReportedOnce)
-{
-    AssertCapture capture;
-    PropertyChangeForwarder forwarder(nullptr, "settingChanged(QObject*,QString)");
-    forwarder.addProperty("count", true);
-    EXPECT_EQ(capture.size(), 1u);
+    capture.clear();
+    PropertyChangeForwarder orphan(nullptr, "settingChanged(QObject*,QString)");
+    orphan.addProperty("count", true);
+    EXPECT_EQ(capture.size(), 1u) << "a null owner is reported once";
     EXPECT_TRUE(capture.fired("m_signal_index != -1"));
 }
 
-TEST(PropertyChangeForwarderReports, ASourceWithoutTheTargetSignal)
-{
-    Settings owner;
-    Silent source;
-    AssertCapture capture;
-
-    owner.forwarder->addSource(&source, "silent");
-
-    ASSERT_EQ(capture.size(), 1u);
-    EXPECT_TRUE(
-        capture.fired("signal_index != -1",
-                      "PropertyChangeForwarder: Source signal settingChanged(QObject*,QString) does not "
-                      "exist."));
-}
-
-TEST(PropertyChangeForwarderReports, ANullSourceOrTheOwnerItselfIsRefused)
+TEST(PropertyChangeForwarderReports, ASourceWithoutTheSignalNullOrTheOwnerItselfIsRefused)
 {
     Settings owner;
     owner.forwarder->addProperty("count", true);
@@ -435,10 +303,17 @@ TEST(PropertyChangeForwarderReports, ANullSourceOrTheOwnerItselfIsRefused)
     ASSERT_TRUE(spy.isValid());
     AssertCapture capture;
 
+    Silent source;
+    owner.forwarder->addSource(&source, "silent");
     owner.forwarder->addSource(nullptr, "none");
     owner.forwarder->addSource(&owner, "self");
+    EXPECT_TRUE(
+        capture.fired("signal_index != -1",
+                      "PropertyChangeForwarder: Source signal settingChanged(QObject*,QString) does not "
+                      "exist."));
     EXPECT_TRUE(capture.fired("source != nullptr"));
     EXPECT_TRUE(capture.fired("source != parent()"));
+    EXPECT_EQ(capture.size(), 3u);
 
     owner.setProperty("count", 1); // would recurse without end had the owner been taken
     EXPECT_EQ(spy.count(), 1);

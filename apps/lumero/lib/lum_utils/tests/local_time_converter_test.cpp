@@ -53,6 +53,7 @@ TEST(HighPrecisionDateTime, FractionIsTruncatedOrRoundedIntoTheNextSecond)
     EXPECT_EQ(t.toString(3, ".", true), "10:00:01.000");
     EXPECT_EQ(t.toString(0, ".", true), "10:00:00");
     EXPECT_EQ(t.toString(12, ",", false), "10:00:00,999600000");
+    EXPECT_EQ(t.toString(10, ".", false), "10:00:00.999600000");
     EXPECT_EQ(HighPrecisionDateTime(TEN_O_CLOCK, 7).toString(9, ".", false), "10:00:00.000000007");
 }
 

@@ -3,6 +3,7 @@
 #include <lum_utils/if_simple_spreadsheet_builder.h>
 
 #include <string>
+#include <vector>
 
 namespace lum_utils_test {
 
@@ -23,15 +24,39 @@ inline void writeSmallTable(lum_utils::IfSimpleSpreadsheetBuilder& builder)
     builder.endTable();
 }
 
-/// One row of @p cells numbers after a startTable sized for it.
-template <typename Builder>
-std::string oneRowOfNumbers(std::initializer_list<double> cells)
+/// A cell to write: a text, a number or, without either, an empty cell.
+struct Cell
 {
-    Builder builder;
-    builder.startTable("t", static_cast<std::uint32_t>(cells.size()), 1);
+    Cell() = default;
+    Cell(const char* value) : text(value), kind(TEXT) {}
+    Cell(double value) : number(value), kind(NUMBER) {}
+    std::string text;
+    double number = 0.0;
+    enum Kind
+    {
+        EMPTY,
+        TEXT,
+        NUMBER
+    } kind = EMPTY;
+};
+
+/// Writes one row of @p cells in a table sized for it and returns the builder's text.
+inline std::string oneRow(lum_utils::IfSimpleSpreadsheetBuilder& builder, const std::vector<Cell>& cells)
+{
+    builder.startTable("t", static_cast<std::uint32_t>(cells.size()), cells.empty() ? 0 : 1);
+    if (cells.empty()) {
+        builder.endTable();
+        return builder.toString();
+    }
     builder.beginRow();
-    for (const double value : cells)
-        builder.addCell(value);
+    for (const Cell& cell : cells) {
+        if (cell.kind == Cell::TEXT)
+            builder.addCell(cell.text);
+        else if (cell.kind == Cell::NUMBER)
+            builder.addCell(cell.number);
+        else
+            builder.addEmptyCell();
+    }
     builder.endRow();
     builder.endTable();
     return builder.toString();

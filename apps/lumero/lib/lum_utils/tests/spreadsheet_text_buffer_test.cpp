@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <limits>
 #include <string>
 
 using lum_utils::SpreadsheetTextBuffer;
@@ -23,6 +24,11 @@ TEST(SpreadsheetTextBuffer, CapacityDoublesWhenFull)
     const std::string fits(49, 'a');
     buffer.append(fits);
     EXPECT_EQ(buffer.capacity(), 50u) << "49 bytes and the null fit the first block";
+    const char* object_begin = reinterpret_cast<const char*>(&buffer);
+    EXPECT_TRUE(buffer.data() >= object_begin && buffer.data() < object_begin + sizeof(buffer))
+        << "still inline";
+    buffer.appendFormat("%s", "");
+    EXPECT_FALSE(buffer.truncated()) << "nothing written is no error";
     buffer.append("b", 1);
     EXPECT_EQ(buffer.capacity(), 100u);
     buffer.append(std::string(150, 'c'));
@@ -32,22 +38,17 @@ TEST(SpreadsheetTextBuffer, CapacityDoublesWhenFull)
     EXPECT_FALSE(buffer.truncated());
 }
 
-TEST(SpreadsheetTextBuffer, FormattedOutputGrowsTheBufferWhenItDoesNotFit)
+TEST(SpreadsheetTextBuffer, FormattedOutputAndSpacesGrowTheBufferWhenTheyDoNotFit)
 {
     SpreadsheetTextBuffer buffer;
     buffer.append(std::string(45, 'x'));
     buffer.appendFormat("[%d|%s|%.3f]", 12345, "a longer piece of text", 2.5);
     EXPECT_EQ(std::string(buffer.data()), std::string(45, 'x') + "[12345|a longer piece of text|2.500]");
     EXPECT_EQ(buffer.size(), std::strlen(buffer.data()));
-}
-
-TEST(SpreadsheetTextBuffer, SpacesPad)
-{
-    SpreadsheetTextBuffer buffer;
-    buffer.append("a", 1);
     buffer.appendSpaces(60);
     buffer.append("b", 1);
-    EXPECT_EQ(std::string(buffer.data()), "a" + std::string(60, ' ') + "b");
+    EXPECT_EQ(buffer.size(), 45 + 36 + 60 + 1u);
+    EXPECT_EQ(std::string(buffer.data()).substr(81), std::string(60, ' ') + "b");
 }
 
 TEST(SpreadsheetTextBuffer, FailedGrowthKeepsTheBufferAndCutsTheTextShort)
@@ -66,15 +67,16 @@ TEST(SpreadsheetTextBuffer, FailedGrowthKeepsTheBufferAndCutsTheTextShort)
     buffer.appendSpaces(3);
     EXPECT_EQ(buffer.size(), 99u);
     EXPECT_EQ(buffer.data()[99], '\0');
-}
 
-TEST(SpreadsheetTextBuffer, FailedGrowthCutsFormattedOutputShort)
-{
-    SpreadsheetTextBuffer buffer;
-    buffer.setCapacityLimit(50);
-    buffer.append(std::string(40, 'a'));
-    buffer.appendFormat("%s", "0123456789abcdef");
-    EXPECT_TRUE(buffer.truncated());
-    EXPECT_EQ(std::string(buffer.data()), std::string(40, 'a') + "012345678");
-    EXPECT_EQ(buffer.size(), 49u);
+    SpreadsheetTextBuffer huge;
+    huge.appendSpaces(std::numeric_limits<std::size_t>::max() - 10); // no size can double to it
+    EXPECT_TRUE(huge.truncated());
+    EXPECT_EQ(huge.size(), 49u);
+
+    SpreadsheetTextBuffer formatted;
+    formatted.setCapacityLimit(50);
+    formatted.append(std::string(40, 'a'));
+    formatted.appendFormat("%s", "0123456789abcdef");
+    EXPECT_TRUE(formatted.truncated());
+    EXPECT_EQ(std::string(formatted.data()), std::string(40, 'a') + "012345678");
 }

@@ -164,6 +164,9 @@ INSTANTIATE_TEST_SUITE_P(
         FilterCase{"type_async",
                    make<Types>([](Types& p, FilterModels&) { p.setTypeFilter(Types::TypeFilter::ASYNC); }),
                    "brake frame meta"},
+        FilterCase{"type_sync",
+                   make<Types>([](Types& p, FilterModels&) { p.setTypeFilter(Types::TypeFilter::SYNC); }),
+                   "speed spectrum ghost"},
         FilterCase{"type_sync_scalar", make<Types>([](Types& p, FilterModels&) {
                        p.setTypeFilter(Types::TypeFilter::SYNC_SCALAR_SIGNAL);
                    }),

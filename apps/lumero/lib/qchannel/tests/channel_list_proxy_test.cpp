@@ -134,7 +134,7 @@ INSTANTIATE_TEST_SUITE_P(
                        p.setPropertySearchMode("CAN/MessageID",
                                                ChannelListPropertySortProxyModel::HEXADECIMAL);
                    },
-                   "0xF", "delta"},
+                   "0xFF", "delta"},
         SearchCase{"hexadecimal_skips_items_without_a_number",
                    [](auto& p) {
                        p.setSearchedKeys({"Unit"});

@@ -150,6 +150,7 @@ TEST_P(UniqueListForProperty, DistinctCapitalisedTextsInListOrder)
                                   ? list.uniqueListForProperty("Unit")
                                   : list.uniqueListForProperty("Unit", GetParam().max_results);
     EXPECT_EQ(texts, GetParam().texts);
+    EXPECT_TRUE(list.uniqueListForProperty("Nope", GetParam().max_results).isEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -159,12 +160,6 @@ INSTANTIATE_TEST_SUITE_P(
                       UniqueListRow{"without_limit", -1, {"Volt", "Ampere", "Bar", "M/s"}},
                       UniqueListRow{"limit_above_count", 9, {"Volt", "Ampere", "Bar", "M/s"}}),
     [](const auto& info) { return std::string(info.param.name); });
-
-TEST_F(ChannelListConfigTest, UniqueListOfAKeyNoChannelHasIsEmpty)
-{
-    add(1, "a");
-    EXPECT_TRUE(list.uniqueListForProperty("Nope", 3).isEmpty());
-}
 
 TEST_F(ChannelListConfigTest, FewerValuesThanKeysRepeatAndNullValuesSkipTheirKey)
 {
@@ -189,7 +184,7 @@ TEST_F(ChannelListConfigTest, FewerValuesThanKeysRepeatAndNullValuesSkipTheirKey
     EXPECT_EQ(manager.calls.front().front().key, "k1");
 }
 
-TEST_F(ChannelListConfigTest, WithoutConfigManagerNothingIsSent)
+TEST_F(ChannelListConfigTest, WithoutConfigManagerOrWithAnInvalidValueNothingIsSent)
 {
     add(1, "a");
     list.setChannelConfigManager(nullptr);
@@ -202,12 +197,18 @@ TEST_F(ChannelListConfigTest, WithoutConfigManagerNothingIsSent)
     EXPECT_TRUE(asserts.fired("m_channel_config_manager != nullptr", "ChannelConfigManager is not set!"));
     EXPECT_EQ(asserts.size(), 2u);
     EXPECT_FALSE(list.channelActionInProgress());
+
+    list.setChannelConfigManager(&manager);
+    EXPECT_FALSE(list.setConfigItem("Ferrin/Color", QVariant()));
+    EXPECT_TRUE(
+        asserts.fired("value.isValid()", "setConfigItem: called with value 'invalid' for key Ferrin/Color"));
+    EXPECT_TRUE(manager.calls.empty());
 }
 
 // ---------------------------------------------------------------------------------------
 // Actions over the whole list
 
-TEST_F(ChannelListConfigTest, ActionIsAvailableWhenEveryChannelOffersIt)
+TEST_F(ChannelListConfigTest, ActionIsAvailableWhenEveryChannelOrItsMetadataSourceOffersIt)
 {
     EXPECT_FALSE(list.isChannelActionAvailable("ACTION:Zero")) << "an empty list offers nothing";
     QChannel* a = add(1, "a");
@@ -216,35 +217,24 @@ TEST_F(ChannelListConfigTest, ActionIsAvailableWhenEveryChannelOffersIt)
     EXPECT_FALSE(list.isChannelActionAvailable("ACTION:Zero"));
     setFlag(b, "ACTION:Zero", true);
     EXPECT_TRUE(list.isChannelActionAvailable("ACTION:Zero"));
-}
 
-TEST_F(ChannelListConfigTest, MetadataChannelFollowsItsListedSource)
-{
-    QChannel* source = add(1, "source");
-    QChannel* metadata = add(2, "metadata");
-    setFlag(source, "ACTION:Zero", true);
+    // A metadata channel follows its listed source, unless it does not block it.
+    QChannel* metadata = add(3, "metadata");
     metadata->ferrinChannel()->getItemStore()->set(
         "MetadataChannelOf", config_items::SingleValueConfigItem<ChannelID>(ChannelID(5, 1)));
     EXPECT_FALSE(list.isChannelActionAvailable("ACTION:Zero"));
-
     setFlag(metadata, "ACTION:NotBlockingMetadataSourceActions", true);
     EXPECT_TRUE(list.isChannelActionAvailable("ACTION:Zero"));
-
     metadata->ferrinChannel()->getItemStore()->set(
         "MetadataChannelOf", config_items::SingleValueConfigItem<ChannelID>(ChannelID(5, 77)));
     EXPECT_FALSE(list.isChannelActionAvailable("ACTION:Zero")) << "its source is not in the list";
-}
 
-TEST_F(ChannelListConfigTest, AnswerAboutAStaleListIsReported)
-{
     QChannelListModel queued(QChannelListModel::DELIVERY_QUEUED, true);
     uni_testing::attachModelTester(&queued);
     queued.notify(ferrin::NOTIFY_CHANNEL_ADDED, makeChannel(5, 1, "a"));
     uni_testing::AssertCapture asserts;
-
     EXPECT_FALSE(queued.isChannelActionAvailable("ACTION:Zero"));
-
-    EXPECT_TRUE(asserts.fired("!hasPendingChannelNotifications()"));
+    EXPECT_TRUE(asserts.fired("!hasPendingChannelNotifications()")) << "an answer about a stale list";
     queued.applyPendingChannelNotifications();
 }
 
@@ -257,6 +247,9 @@ TEST_F(ChannelListConfigTest, ActionRunsOnThePoolForAllChannelsAndOneAtATime)
     QSignalSpy progress(&list, &QChannelListModel::channelActionInProgressChanged);
     ASSERT_TRUE(progress.isValid());
     uni_testing::LogCapture log;
+    list.applyChannelAction("ACTION:Other", 1.0);
+    EXPECT_TRUE(log.contains("QCHANNEL", 5, "ChannelAction ACTION:Other not available!"));
+    EXPECT_FALSE(list.channelActionInProgress());
 
     manager.hold();
     list.applyChannelAction("ACTION:Zero", 2.5);
@@ -277,18 +270,6 @@ TEST_F(ChannelListConfigTest, ActionRunsOnThePoolForAllChannelsAndOneAtATime)
     EXPECT_EQ(manager.actions[0].key, "ACTION:Zero");
     EXPECT_EQ(manager.actions[0].channels, (std::vector<ChannelID>{ChannelID(5, 1), ChannelID(5, 2)}));
     EXPECT_DOUBLE_EQ(manager.actions[0].time, 2.5);
-}
-
-TEST_F(ChannelListConfigTest, UnavailableActionIsLoggedAndNotStarted)
-{
-    add(1, "a");
-    uni_testing::LogCapture log;
-
-    list.applyChannelAction("ACTION:Zero", 1.0);
-
-    EXPECT_TRUE(log.contains("QCHANNEL", 5, "ChannelAction ACTION:Zero not available!"));
-    EXPECT_FALSE(list.channelActionInProgress());
-    EXPECT_EQ(manager.actionCount(), 0u);
 }
 
 // ---------------------------------------------------------------------------------------

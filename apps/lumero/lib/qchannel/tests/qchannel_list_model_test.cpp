@@ -51,32 +51,24 @@ TEST_F(ChannelListTest, FindsChannelsByIdIdTextIndexAndName)
     QChannelListModel* list = makeList();
     QChannel* a = channel(1, "speed");
     QChannel* b = channel(2, "heading");
-    list->appendChannels({a, b});
+    QChannel* swapped = new QChannel(makeChannel(9, 7, "swapped"));
+    QChannel* wanted = new QChannel(makeChannel(7, 9, "wanted"));
+    list->appendChannels({a, b, swapped, wanted});
 
     EXPECT_EQ(list->getChannelByID(ChannelID(5, 2)), b);
     EXPECT_EQ(list->getChannelByID(ChannelID(5, 3)), nullptr);
     EXPECT_EQ(list->getChannelByIDString(QString::number(ChannelID(5, 1).toUInt64())), a);
     EXPECT_EQ(list->getChannelByIndex(1), b);
     EXPECT_EQ(list->getChannelByIndex(-1), nullptr);
-    EXPECT_EQ(list->getChannelByIndex(2), nullptr);
+    EXPECT_EQ(list->getChannelByIndex(4), nullptr);
     EXPECT_EQ(list->getChannelByName("heading"), b);
     EXPECT_EQ(list->getChannelByName("Heading"), nullptr);
-    EXPECT_EQ(list->getAllIDsStr(), QStringList({QString::number(ChannelID(5, 1).toUInt64()),
-                                                 QString::number(ChannelID(5, 2).toUInt64())}));
-}
-
-TEST_F(ChannelListTest, IdTextIsTheDecimal64BitNumberSplitIntoNodeAndLocalWord)
-{
-    QChannelListModel* list = makeList();
-    QChannel* swapped = new QChannel(makeChannel(9, 7, "swapped"));
-    QChannel* wanted = new QChannel(makeChannel(7, 9, "wanted"));
-    list->appendChannels({swapped, wanted});
-
-    EXPECT_EQ(list->getChannelByIDString("30064771081"), wanted); // 7 << 32 | 9
-    EXPECT_EQ(list->getChannelByIDString("abc"), nullptr);
-    EXPECT_EQ(list->getChannelByIDString(""), nullptr);
-    EXPECT_EQ(list->getChannelByIDString("-30064771081"), nullptr);
-    EXPECT_EQ(list->getChannelByIDString("0x70000000009"), nullptr);
+    EXPECT_EQ(list->getAllIDsStr(),
+              QStringList({"21474836481", "21474836482", "38654705671", "30064771081"}));
+    // The id text is the decimal 64-bit number: node in the high word, local id in the low.
+    EXPECT_EQ(list->getChannelByIDString("30064771081"), wanted);
+    for (const char* bad : {"abc", "", "-30064771081", "0x70000000009"})
+        EXPECT_EQ(list->getChannelByIDString(bad), nullptr) << bad;
 }
 
 TEST_F(ChannelListTest, FindsTheFirstChannelWhoseItemEqualsTheValue)
@@ -97,6 +89,7 @@ TEST_F(ChannelListTest, FindsTheFirstChannelWhoseItemEqualsTheValue)
     EXPECT_EQ(list->getChannelByConfigItem("Gain", 0.3), nullptr) << "doubles compare exactly, as items do";
     EXPECT_EQ(list->getChannelByConfigItem("Gain", std::nan("")), b) << "NaN matches NaN";
     EXPECT_EQ(list->getChannelByConfigItem("Source", QString::number(ChannelID(5, 1).toUInt64())), c);
+    EXPECT_EQ(list->getChannelByConfigItem("Source", "12345"), nullptr) << "another id text";
     EXPECT_EQ(list->getChannelByConfigItem("Used", true), a) << "the first in list order";
     EXPECT_EQ(list->getChannelByConfigItem("Missing", 1), nullptr);
 }
@@ -137,7 +130,7 @@ TEST_F(ChannelListTest, SubListsOfNeededAndDependentChannelsBelongToTheCaller)
 // ---------------------------------------------------------------------------------------
 // List changes
 
-TEST_F(ChannelListTest, InsertsBeforeTheSuccessorAndAppendsWithoutOne)
+TEST_F(ChannelListTest, InsertsBeforeTheSuccessorAppendsWithoutOneAndRemoves)
 {
     QChannelListModel* list = makeList();
     QChannel* a = channel(1, "a");
@@ -154,22 +147,13 @@ TEST_F(ChannelListTest, InsertsBeforeTheSuccessorAndAppendsWithoutOne)
     EXPECT_EQ(list->typedList(), QList<QChannel*>({b, a, c}));
     EXPECT_EQ(inserted.count(), 3) << "a channel already in the list is not added twice";
     EXPECT_EQ(inserted.at(1).at(1).toInt(), 0);
-}
 
-TEST_F(ChannelListTest, RemovingAChannelDropsItFromTheIdMap)
-{
-    QChannelListModel* list = makeList();
-    QChannel* a = channel(1, "a");
-    QChannel* b = channel(2, "b");
-    list->appendChannels({a, b});
     QSignalSpy removed(list, &QAbstractItemModel::rowsRemoved);
     ASSERT_TRUE(removed.isValid());
-
     list->removeChannel(a);
-
     EXPECT_EQ(removed.count(), 1);
     EXPECT_EQ(list->getChannelByID(ChannelID(5, 1)), nullptr);
-    EXPECT_EQ(list->getChannelByID(ChannelID(5, 2)), b);
+    EXPECT_EQ(list->getChannelByID(ChannelID(5, 3)), c);
     delete a;
 }
 
@@ -195,7 +179,7 @@ TEST_F(ChannelListTest, SetChannelsLeavesOutEntriesThatAreNoChannels)
     delete a;
 }
 
-TEST_F(ChannelListTest, ClearAllDeletesOnlyTheChannelsOfAnOwningList)
+TEST_F(ChannelListTest, ClearAllAndDestructionDeleteOnlyTheChannelsOfAnOwningList)
 {
     QChannelListModel* owning = makeList(QChannelListModel::DELIVERY_QUEUED, true);
     QChannelListModel* viewing = makeList(QChannelListModel::DELIVERY_QUEUED, false);
@@ -211,6 +195,19 @@ TEST_F(ChannelListTest, ClearAllDeletesOnlyTheChannelsOfAnOwningList)
     owning->clearAll();
     EXPECT_FALSE(a);
     EXPECT_EQ(owning->getChannelByID(ChannelID(5, 1)), nullptr);
+
+    // Destruction likewise.
+    QPointer<QChannel> owned(channel(2, "owned"));
+    QPointer<QChannel> kept(channel(3, "kept"));
+    {
+        QChannelListModel owner(QChannelListModel::DELIVERY_QUEUED, true);
+        QChannelListModel viewer(QChannelListModel::DELIVERY_QUEUED, false);
+        owner.appendChannel(owned);
+        viewer.appendChannels({owned, kept});
+    }
+    EXPECT_FALSE(owned);
+    ASSERT_TRUE(kept);
+    delete kept;
 }
 
 TEST_F(ChannelListTest, ADeletedChannelLeavesEveryListItIsIn)
@@ -232,25 +229,10 @@ TEST_F(ChannelListTest, ADeletedChannelLeavesEveryListItIsIn)
     EXPECT_EQ(list->getChannelByID(ChannelID(5, 1)), nullptr);
 }
 
-TEST_F(ChannelListTest, DestructionDeletesTheChannelsOnlyWhenAsked)
-{
-    QPointer<QChannel> owned(channel(1, "owned"));
-    QPointer<QChannel> kept(channel(2, "kept"));
-    {
-        QChannelListModel owning(QChannelListModel::DELIVERY_QUEUED, true);
-        QChannelListModel viewing(QChannelListModel::DELIVERY_QUEUED, false);
-        owning.appendChannel(owned);
-        viewing.appendChannels({owned, kept});
-    }
-    EXPECT_FALSE(owned);
-    ASSERT_TRUE(kept);
-    delete kept;
-}
-
 // ---------------------------------------------------------------------------------------
 // Batches
 
-TEST_F(ChannelListTest, NestedBatchesGiveOneResetAndNoRowSignals)
+TEST_F(ChannelListTest, NestedBatchesGiveOneResetOnlyForAChangeAndNoRowSignals)
 {
     QChannelListModel* list = makeList();
     ViewCounter view(list);
@@ -271,27 +253,21 @@ TEST_F(ChannelListTest, NestedBatchesGiveOneResetAndNoRowSignals)
     EXPECT_EQ(view.row_signals, 0);
     EXPECT_EQ(view.rows, 3);
     EXPECT_EQ(count.count(), 1);
-}
 
-TEST_F(ChannelListTest, ABatchThatEndsWithTheSameChannelsGivesNoReset)
-{
-    QChannelListModel* list = makeList();
-    QChannel* a = channel(1, "a");
-    list->appendChannel(a);
-    QChannel* b = channel(2, "b");
-    QSignalSpy reset(list, &QAbstractItemModel::modelReset);
-    ASSERT_TRUE(reset.isValid());
-
+    // A batch that ends with the same channels gives no reset.
+    QChannel* d = channel(4, "d");
     list->beginBatchOperation();
-    list->beginBatchOperation();
-    list->appendChannel(b);
-    list->removeChannel(b);
+    list->appendChannel(d);
+    list->removeChannel(d);
     list->endBatchOperation();
-    list->endBatchOperation();
+    EXPECT_EQ(reset.count(), 1);
+    delete d;
 
-    EXPECT_EQ(reset.count(), 0);
-    EXPECT_EQ(list->typedList(), QList<QChannel*>({a}));
-    delete b;
+    uni_testing::AssertCapture asserts;
+    list->endBatchOperation();
+    EXPECT_TRUE(asserts.fired("m_num_of_batch_operations > 0"));
+    EXPECT_EQ(reset.count(), 1);
+    EXPECT_FALSE(list->signalsBlocked());
 }
 
 TEST_F(ChannelListTest, AReplacedFerrinChannelInABatchGivesAReset)
@@ -311,20 +287,6 @@ TEST_F(ChannelListTest, AReplacedFerrinChannelInABatchGivesAReset)
     EXPECT_EQ(changed.count(), 0) << "blocked inside the batch";
     a->updateFerrinChannel(makeChannel(5, 1, "a3"));
     EXPECT_EQ(changed.count(), 1);
-}
-
-TEST_F(ChannelListTest, EndingABatchThatWasNotBegunIsReported)
-{
-    QChannelListModel* list = makeList();
-    QSignalSpy reset(list, &QAbstractItemModel::modelReset);
-    ASSERT_TRUE(reset.isValid());
-    uni_testing::AssertCapture asserts;
-
-    list->endBatchOperation();
-
-    EXPECT_TRUE(asserts.fired("m_num_of_batch_operations > 0"));
-    EXPECT_EQ(reset.count(), 0);
-    EXPECT_FALSE(list->signalsBlocked());
 }
 
 TEST_F(ChannelListTest, BatchesOfAWorkerThreadHopIntoTheModelThread)
@@ -381,9 +343,12 @@ TEST_F(ChannelListTest, ImmediateDeliveryAppliesAtOnceAsOneReset)
     ViewCounter view(list);
 
     list->notify(ferrin::NOTIFY_CHANNEL_ADDED, makeChannel(5, 1, "a"));
+    // A channel with the internal flag gets no QChannel.
+    list->notify(ferrin::NOTIFY_CHANNEL_ADDED, makeChannel({ChannelID(5, 2), "internal", {}, true}));
 
     ASSERT_EQ(list->size(), 1);
     EXPECT_EQ(list->getChannelByName("a"), list->getChannelByIndex(0));
+    EXPECT_EQ(list->getChannelByID(ChannelID(5, 2)), nullptr);
     EXPECT_EQ(view.resets, 1);
     EXPECT_EQ(view.row_signals, 0);
     EXPECT_FALSE(list->hasPendingChannelNotifications());
@@ -452,17 +417,6 @@ TEST_F(ChannelListTest, AFloodIsCutAfterNinePassesAndTheRestWaitsForTheTimer)
     }
 }
 
-TEST_F(ChannelListTest, AChannelWithTheInternalFlagGetsNoQChannel)
-{
-    QChannelListModel* list = makeList(QChannelListModel::DELIVERY_IMMEDIATE);
-    list->notify(ferrin::NOTIFY_CHANNEL_ADDED, makeChannel({ChannelID(5, 1), "internal", {}, true}));
-    list->notify(ferrin::NOTIFY_CHANNEL_ADDED, makeChannel(5, 2, "public"));
-
-    ASSERT_EQ(list->size(), 1);
-    EXPECT_EQ(list->getChannelByIndex(0)->name(), "public");
-    EXPECT_EQ(list->getChannelByID(ChannelID(5, 1)), nullptr);
-}
-
 TEST_F(ChannelListTest, AReplacementKeepsTheQChannelAndIsFoundByIdAndNewName)
 {
     QChannelListModel* list = makeList(QChannelListModel::DELIVERY_IMMEDIATE);
@@ -487,17 +441,10 @@ TEST_F(ChannelListTest, AReplacementKeepsTheQChannelAndIsFoundByIdAndNewName)
     list->notify(ferrin::NOTIFY_CHANNEL_ADDED, makeChannel(5, 1, "newer"));
     EXPECT_EQ(list->size(), 1);
     EXPECT_EQ(list->getChannelByName("newer"), before);
-}
 
-TEST_F(ChannelListTest, AReplacementUnderAnotherIdMovesTheIdEntry)
-{
-    QChannelListModel* list = makeList();
-    QChannel* a = channel(1, "a");
-    list->appendChannel(a);
-
-    a->updateFerrinChannel(makeChannel(5, 42, "a"));
-
-    EXPECT_EQ(list->getChannelByID(ChannelID(5, 42)), a);
+    // A replacement under another id moves the id entry.
+    before->updateFerrinChannel(makeChannel(5, 42, "a"));
+    EXPECT_EQ(list->getChannelByID(ChannelID(5, 42)), before);
     EXPECT_EQ(list->getChannelByID(ChannelID(5, 1)), nullptr);
 }
 
@@ -521,7 +468,7 @@ TEST_F(ChannelListTest, ClearDeletesTheChannelsButKeepsWhatCameAfterIt)
     EXPECT_EQ(list->getChannelByIndex(0)->name(), "b");
 }
 
-TEST_F(ChannelListTest, MessagesForUnknownIdsAndUnknownTypesChangeNothing)
+TEST_F(ChannelListTest, MessagesForUnknownIdsTypesOrWithoutDeliveryChangeNothing)
 {
     QChannelListModel* list = makeList(QChannelListModel::DELIVERY_IMMEDIATE);
     list->notify(ferrin::NOTIFY_CHANNEL_ADDED, makeChannel(5, 1, "a"));
@@ -536,18 +483,13 @@ TEST_F(ChannelListTest, MessagesForUnknownIdsAndUnknownTypesChangeNothing)
     EXPECT_EQ(list->size(), 1);
     EXPECT_EQ(reset.count(), 0);
     EXPECT_FALSE(list->hasPendingChannelNotifications());
-}
 
-TEST_F(ChannelListTest, ListWithoutDeliveryModeReportsAndDropsMessages)
-{
-    QChannelListModel* list = makeList(QChannelListModel::DELIVERY_NONE);
+    QChannelListModel* undelivered = makeList(QChannelListModel::DELIVERY_NONE);
     uni_testing::AssertCapture asserts;
-
-    list->notify(ferrin::NOTIFY_CHANNEL_ADDED, makeChannel(5, 1, "a"));
-
+    undelivered->notify(ferrin::NOTIFY_CHANNEL_ADDED, makeChannel(5, 1, "a"));
     EXPECT_TRUE(asserts.fired("", "Should never happen!"));
-    EXPECT_FALSE(list->hasPendingChannelNotifications());
-    EXPECT_EQ(list->size(), 0);
+    EXPECT_FALSE(undelivered->hasPendingChannelNotifications());
+    EXPECT_EQ(undelivered->size(), 0);
 }
 
 TEST_F(ChannelListTest, ImmediateDeliveryFromAWorkerReturnsAfterTheListChanged)

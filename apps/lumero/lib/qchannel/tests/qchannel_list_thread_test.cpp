@@ -126,37 +126,6 @@ TEST(ChannelListThreads, ImmediateDeliveryFromManyThreadsLosesAndDoublesNothing)
     runProducers(QChannelListModel::DELIVERY_IMMEDIATE);
 }
 
-TEST(ChannelListThreads, BatchesOfSeveralThreadsEndInOneConsistentList)
-{
-    QChannelListModel list(QChannelListModel::DELIVERY_QUEUED, true);
-    uni_testing::attachModelTester(&list);
-    ViewCounter view(&list);
-    constexpr int THREADS = 3;
-    std::atomic<int> running{THREADS};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < THREADS; ++t) {
-        threads.emplace_back([&, t] {
-            list.beginBatchOperation();
-            QList<QObject*> channels;
-            for (std::uint32_t local = 1; local <= 30; ++local)
-                channels.append(new QChannel(makeChannel(static_cast<std::uint32_t>(30 + t), local, "b")));
-            list.appendChannels(channels);
-            list.endBatchOperation();
-            --running;
-        });
-    }
-    ASSERT_TRUE(spinUntil([&] { return running.load() == 0; }));
-    for (std::thread& thread : threads)
-        thread.join();
-
-    EXPECT_EQ(list.size(), THREADS * 30);
-    EXPECT_EQ(view.rows, list.size());
-    EXPECT_EQ(view.row_signals, 0) << "every change came inside a batch";
-    EXPECT_GE(view.resets, 1);
-    EXPECT_LE(view.resets, THREADS);
-    EXPECT_FALSE(list.signalsBlocked());
-}
-
 /// The host's own channel source, made from a recording on a loader thread, feeds the
 /// list through the config manager's list observers.
 TEST(ChannelListThreads, HostChannelSourceFeedsTheListFromItsOwnThread)

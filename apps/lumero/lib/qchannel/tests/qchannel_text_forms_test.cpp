@@ -222,15 +222,17 @@ INSTANTIATE_TEST_SUITE_P(
         BadFormRow{"key_without_value", "<Channel><!--Count--></Channel>", "5"}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST(SimpleXmlForm, CdataAndDerivedCommentsAreRead)
+TEST(SimpleXmlForm, CdataAndDerivedCommentsAreReadAndStrayTextCounted)
 {
     const auto read = lum::qchannel::readSimpleXmlConfig(
-        "<Channel><!--a/b--><a-b><![CDATA[x<y]]></a-b><!--c--><!--<c>1</c>--></Channel>");
+        "<Channel> <!--a/b--> <a-b><![CDATA[x<y]]></a-b>\r\n\t<!--c--><!--<c>1</c>--></Channel>");
     ASSERT_TRUE(read.has_value());
     EXPECT_EQ(read->passed_over, 0u);
     ASSERT_EQ(read->entries.size(), 2u);
     EXPECT_EQ(read->entries[0], (lum::qchannel::SimpleXmlEntry{"a/b", "x<y", false}));
     EXPECT_EQ(read->entries[1], (lum::qchannel::SimpleXmlEntry{"c", "1", true}));
+    // Blank text between elements passes; other text is passed over and counted.
+    EXPECT_EQ(lum::qchannel::readSimpleXmlConfig("<Channel> x <!--c--><c>1</c></Channel>")->passed_over, 1u);
 }
 
 } // namespace
