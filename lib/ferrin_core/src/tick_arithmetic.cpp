@@ -2,6 +2,8 @@
 
 #include <cfloat>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 
 namespace ferrin {
 
@@ -25,6 +27,19 @@ Tick truncateToTick(double value) noexcept
     if (value >= TWO_POW_63_D)
         return static_cast<Tick>(value - TWO_POW_63_D) + TWO_POW_63;
     return static_cast<Tick>(value);
+}
+
+/// std::nextafter(value, DBL_MAX) without the library call for the usual positive
+/// finite value (its bits plus one); the rest goes to the library.
+double nextUp(double value) noexcept
+{
+    if (!(value > 0.0) || !(value < DBL_MAX))
+        return std::nextafter(value, DBL_MAX);
+    std::uint64_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    ++bits;
+    std::memcpy(&value, &bits, sizeof bits);
+    return value;
 }
 
 } // namespace
@@ -69,7 +84,7 @@ Tick timeToTickFloor(double time, double frequency, double start_time) noexcept
     if (std::isnan(t) || !(frequency > 0.0) || t < 0.0)
         return NO_TICK;
     // One step up first: a product a hair below an integer still lands on it.
-    return truncateToTick(std::nextafter(frequency * t, DBL_MAX));
+    return truncateToTick(nextUp(frequency * t));
 }
 
 Tick timeToTickCeil(double time, const TimeBase& time_base) noexcept

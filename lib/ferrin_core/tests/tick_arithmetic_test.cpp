@@ -87,6 +87,22 @@ TEST(TimeToTick, LargeTimesConvertAboveTwoPow63)
     EXPECT_EQ(ferrin::timeToTickCeil(1e30, 1.0, 0.0), NO_TICK - 1);
 }
 
+TEST(TimeToTick, FloorAtTheEdgesOfTheDoubles)
+{
+    const double inf = std::numeric_limits<double>::infinity();
+    // Zero of either sign and the smallest products stay on tick 0.
+    EXPECT_EQ(ferrin::timeToTickFloor(-0.0, 1.0, 0.0), 0u);
+    EXPECT_EQ(ferrin::timeToTickFloor(0.0, 1.0, 0.0), 0u);
+    EXPECT_EQ(ferrin::timeToTickFloor(std::numeric_limits<double>::denorm_min(), 1.0, 0.0), 0u);
+    // One step up from just below a power of two crosses into the next binade onto it.
+    EXPECT_EQ(ferrin::timeToTickFloor(std::nextafter(1024.0, 0.0), 1.0, 0.0), 1024u);
+    // 2^53 + 2 is the double after 2^53.
+    EXPECT_EQ(ferrin::timeToTickFloor(9007199254740992.0, 1.0, 0.0), 9007199254740994u);
+    // The largest double and infinity saturate.
+    EXPECT_EQ(ferrin::timeToTickFloor(std::numeric_limits<double>::max(), 1.0, 0.0), NO_TICK - 1);
+    EXPECT_EQ(ferrin::timeToTickFloor(inf, 1.0, 0.0), NO_TICK - 1);
+}
+
 TEST(TimeToTick, UnusableInputGivesNoTick)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();

@@ -70,6 +70,8 @@ private:
 
     std::shared_ptr<AsyncSampleStream> m_stream;
     AsyncSampleLayout m_layout;
+    /// Samples of an 8-byte timestamp and an 8-byte value that fill all 16 bytes.
+    bool m_plain_sample = false;
     std::uint32_t m_block_capacity;
 
     SampleDataBlockPtr m_block;      ///< the block being written; live once published

@@ -175,22 +175,18 @@ void AsyncScalarChannel::indexClosedBlocks()
         return;
     std::vector<daq::SampleDataBlockPtr> found;
     std::uint32_t count = 0;
-    daq::SampleDataBlockPtr block;
-    {
-        std::shared_lock lock(m_index_lock);
-        block = m_closed_blocks.empty() ? m_stream->findBlockBefore(m_first_tick, count)
-                                        : m_stream->findNextBlock(m_closed_firsts.back(), count);
-    }
+    daq::SampleDataBlockPtr block = m_closed_blocks.empty()
+                                        ? m_stream->findBlockBefore(m_first_tick, count)
+                                        : m_stream->findNextBlock(m_closed.back().first, count);
     // A count of 0 marks a closed block; the live block comes with its published count.
     while (block && count == 0) {
         found.push_back(block);
         block = m_stream->findNextBlock(block->m_first_timestamp, count);
     }
-    std::unique_lock lock(m_index_lock);
     for (daq::SampleDataBlockPtr& closed : found) {
-        if (!m_closed_firsts.empty() && closed->m_first_timestamp <= m_closed_firsts.back())
+        if (!m_closed_blocks.empty() && closed->m_first_timestamp <= m_closed.back().first)
             continue;
-        m_closed_firsts.push_back(closed->m_first_timestamp);
+        m_closed.push_back(ClosedBlock{closed->m_first_timestamp, closed.get()});
         m_closed_blocks.push_back(std::move(closed));
     }
     m_known_closed = m_closed_blocks.size();
@@ -202,17 +198,32 @@ AsyncScalarChannel::searchBlock(const daq::SampleDataBlock& block, std::uint32_t
 {
     // Fixed-size samples: the block is an array, searched directly.
     const std::uint8_t* data = block.m_data;
+    const auto stamp = [&](std::uint32_t i) {
+        return m_stream->getTimestamp(data + std::size_t{i} * m_stride);
+    };
+    // Times read in order mostly find the sample of the last answer or the one after it.
+    const auto last = [&](std::uint32_t i) {
+        return i < count && stamp(i) <= tick && (i + 1 == count || tick < stamp(i + 1));
+    };
+    const std::uint32_t hint = m_last_sample.load(std::memory_order_relaxed);
     std::uint32_t low = 0;
-    std::uint32_t high = count;
-    while (low < high) {
-        const std::uint32_t middle = low + (high - low) / 2;
-        if (m_stream->getTimestamp(data + std::size_t{middle} * m_stride) <= tick)
-            low = middle + 1;
-        else
-            high = middle;
+    if (last(hint)) {
+        low = hint + 1;
+    } else if (last(hint + 1)) {
+        low = hint + 2;
+    } else {
+        std::uint32_t high = count;
+        while (low < high) {
+            const std::uint32_t middle = low + (high - low) / 2;
+            if (stamp(middle) <= tick)
+                low = middle + 1;
+            else
+                high = middle;
+        }
     }
     if (low == 0)
         return std::nullopt;
+    m_last_sample.store(low - 1, std::memory_order_relaxed);
     const std::uint8_t* sample = data + std::size_t{low - 1} * m_stride;
     return TimedValue{m_stream->getTimestamp(sample), readValue(m_stream->getValue(sample))};
 }
@@ -222,13 +233,36 @@ std::optional<AsyncScalarChannel::TimedValue> AsyncScalarChannel::findAtOrBefore
     if (m_stride == 0)
         return std::nullopt;
     {
-        std::shared_lock lock(m_index_lock);
-        const auto it = std::upper_bound(m_closed_firsts.begin(), m_closed_firsts.end(), tick);
-        if (it != m_closed_firsts.begin()) {
-            const std::size_t index = static_cast<std::size_t>(it - m_closed_firsts.begin()) - 1;
-            const daq::SampleDataBlock& block = *m_closed_blocks[index];
+        // The first closed block starting after the tick: times read in order mostly stay
+        // in the block of the last answer or go on to the next, else by halving.
+        const std::size_t closed = m_closed.size();
+        const auto holds = [&](std::size_t i) {
+            return i < closed && m_closed[i].first <= tick &&
+                   (i + 1 == closed || tick < m_closed[i + 1].first);
+        };
+        const std::size_t hint = m_last_block.load(std::memory_order_relaxed);
+        std::size_t low = 0;
+        if (holds(hint)) {
+            low = hint + 1;
+        } else if (holds(hint + 1)) {
+            low = hint + 2;
+        } else {
+            std::size_t high = closed;
+            while (low < high) {
+                const std::size_t middle = low + (high - low) / 2;
+                if (m_closed[middle].first <= tick)
+                    low = middle + 1;
+                else
+                    high = middle;
+            }
+        }
+        if (low > 0)
+            m_last_block.store(low - 1, std::memory_order_relaxed);
+        if (low > 0) {
+            const std::size_t index = low - 1;
+            const daq::SampleDataBlock& block = *m_closed[index].block;
             // Past the newest closed block the live block may hold the answer.
-            if (index + 1 < m_closed_blocks.size() || tick <= block.lastTimestamp()) {
+            if (index + 1 < closed || tick <= block.lastTimestamp()) {
                 const std::uint32_t count =
                     std::min<std::uint32_t>(block.m_sample_count, block.m_data_length / m_stride);
                 return searchBlock(block, count, tick);

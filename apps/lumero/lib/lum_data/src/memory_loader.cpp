@@ -10,18 +10,6 @@ MemoryLoader::MemoryLoader(std::uint64_t page_size, std::uint64_t resident_pages
     : m_page_size(std::max<std::uint64_t>(page_size, 1)), m_budget(resident_pages)
 {}
 
-void MemoryLoader::setExtent(std::uint64_t extent)
-{
-    // One writer grows the extent, once per sample: no lock, as nothing else changes.
-    if (extent > m_extent.load(std::memory_order_relaxed))
-        m_extent.store(extent, std::memory_order_release);
-}
-
-std::uint64_t MemoryLoader::extent() const
-{
-    return m_extent.load(std::memory_order_acquire);
-}
-
 std::uint64_t MemoryLoader::pagesOf(std::uint64_t extent) const
 {
     return extent / m_page_size + (extent % m_page_size != 0 ? 1 : 0);

@@ -27,15 +27,6 @@ void MemoryReducedStream::append(std::uint64_t index, const ferrin::ReducedValue
     setEntryCount(index + 1);
 }
 
-void MemoryReducedStream::setEntryCount(std::uint64_t count)
-{
-    // One writer; entries it counts are stored before (or answered by the fallback).
-    if (count <= m_count.load(std::memory_order_relaxed))
-        return;
-    m_count.store(count, std::memory_order_release);
-    m_loader.setExtent(count);
-}
-
 std::size_t MemoryReducedStream::storedCount() const
 {
     std::shared_lock lock(m_lock);

@@ -113,19 +113,23 @@ makeRecordingChannels(const lum::import::Recording& recording, MemoryChannelConf
                                                 options.memory);
         } else {
             setup.time_base = std::make_shared<MemoryTimeBase>(options.async_frequency, start);
-            std::vector<AsyncScalarChannel::TimedValue> samples;
-            samples.reserve(imported.times.size());
+            // Samples go straight into the channel: a list of ticks first would hold every
+            // sample once more at the moment memory peaks.
+            const auto async =
+                AsyncScalarChannel::create(std::move(setup), regions, stream_id++, options.memory);
+            ferrin::Tick last = ferrin::NO_TICK;
             for (std::size_t i = 0; i < imported.times.size(); ++i) {
                 // Ticks from the recording's own times: an absolute start would cost precision.
                 const ferrin::Tick tick =
                     ferrin::timeToTickFloor(imported.times[i], options.async_frequency, 0.0);
                 // Two samples closer than a tick keep the first: ticks must grow.
-                if (tick == ferrin::NO_TICK || (!samples.empty() && tick <= samples.back().first))
+                if (tick == ferrin::NO_TICK || (last != ferrin::NO_TICK && tick <= last))
                     continue;
-                samples.emplace_back(tick, imported.values[i]);
+                async->append(tick, imported.values[i]);
+                last = tick;
             }
-            channel =
-                AsyncScalarChannel::create(std::move(setup), samples, regions, stream_id++, options.memory);
+            async->finish();
+            channel = async;
         }
         manager.addChannel(channel);
         result.push_back(std::move(channel));

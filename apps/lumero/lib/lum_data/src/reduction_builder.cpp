@@ -6,34 +6,6 @@
 
 namespace lum::data {
 
-void ReducedAccumulator::add(double value)
-{
-    if (count == 0) {
-        min = max = value;
-    } else {
-        min = std::min(min, value);
-        max = std::max(max, value);
-    }
-    sum += value;
-    sum_of_squares += value * value;
-    ++count;
-}
-
-void ReducedAccumulator::merge(const ReducedAccumulator& other)
-{
-    if (other.count == 0)
-        return;
-    if (count == 0) {
-        *this = other;
-        return;
-    }
-    min = std::min(min, other.min);
-    max = std::max(max, other.max);
-    sum += other.sum;
-    sum_of_squares += other.sum_of_squares;
-    count += other.count;
-}
-
 ferrin::ReducedValue ReducedAccumulator::value() const
 {
     if (count == 0) {
@@ -58,7 +30,7 @@ ReductionBuilder::ReductionBuilder(std::uint64_t block,
             break;
         }
         factor *= m_block;
-        m_levels.push_back(Level{factor, 0, ReducedAccumulator{}});
+        m_levels.push_back(Level{factor, 0, ReducedAccumulator{}, 0});
     }
     if ((m_block & (m_block - 1)) == 0)
         while ((std::uint64_t{1} << m_block_shift) < m_block)
@@ -94,28 +66,25 @@ void ReductionBuilder::completeUpTo(std::uint64_t end)
         const std::uint64_t complete = entryOf(end, level);
         if (here.current.count > 0 && here.index < complete)
             flush(level);
-        m_streams[level]->setEntryCount(complete);
+        // For sparse samples this runs once per sample: the stream is told only of growth.
+        if (complete > here.counted) {
+            here.counted = complete;
+            m_streams[level]->setEntryCount(complete);
+        }
     }
     if (!m_levels.empty())
         m_complete_level1 = std::max(m_complete_level1, entryOf(end, 0));
 }
 
-void ReductionBuilder::add(std::uint64_t position, double value)
+void ReductionBuilder::startBlockOf(std::uint64_t position)
 {
-    if (m_levels.empty() || position < m_last_position)
-        return;
-    m_last_position = position;
     Level& first = m_levels.front();
-    // Most samples fall in the block of the one before: no division for them.
-    if (position > m_block_last) {
-        const std::uint64_t index = entryOf(position, 0);
-        const std::uint64_t start = index * m_block;
-        if (first.index != index)
-            completeUpTo(start);
-        first.index = index;
-        m_block_last = start + std::min(m_block - 1, std::numeric_limits<std::uint64_t>::max() - start);
-    }
-    first.current.add(value);
+    const std::uint64_t index = entryOf(position, 0);
+    const std::uint64_t start = index * m_block;
+    if (first.index != index)
+        completeUpTo(start);
+    first.index = index;
+    m_block_last = start + std::min(m_block - 1, std::numeric_limits<std::uint64_t>::max() - start);
 }
 
 } // namespace lum::data

@@ -1,3 +1,4 @@
+#include <lum_data/append_only_index.h>
 #include <lum_data/async_scalar_channel.h>
 #include <lum_data/memory_channel_config_manager.h>
 #include <lum_data/memory_time_base.h>
@@ -102,6 +103,29 @@ TEST(ChannelsThreads, ReadersSeeAConsistentPrefixWhileAWriterRecords)
               static_cast<double>(LAST));
     EXPECT_EQ(channel->getDataRegions(0, NO_TICK, ferrin::REGION_KIND_SAMPLES, 0, false, true),
               (ferrin::DataRegions{{0, LAST}}));
+}
+
+// A reader walks every entry it was shown while the writer appends across chunk edges.
+TEST(ChannelsThreads, AnAppendOnlyIndexShowsOnlyCompleteEntries)
+{
+    lum::data::AppendOnlyIndex<std::size_t> index;
+    constexpr std::size_t COUNT = 20000;
+    std::atomic<bool> done{false};
+    std::atomic<int> wrong{0};
+    std::thread reader([&] {
+        while (!done) {
+            const std::size_t size = index.size();
+            for (std::size_t i = size > 100 ? size - 100 : 0; i < size; ++i)
+                if (index[i] != i + 1)
+                    ++wrong;
+        }
+    });
+    for (std::size_t i = 0; i < COUNT; ++i)
+        index.push_back(i + 1);
+    done = true;
+    reader.join();
+    EXPECT_EQ(wrong.load(), 0);
+    EXPECT_EQ(index.size(), COUNT);
 }
 
 } // namespace

@@ -281,6 +281,27 @@ TEST_F(AsyncChannelTest, ValueAtTimeIsTheSampleAtOrBefore)
     }
 }
 
+// Reads in time order, as a replay makes them, start from the last answer: each sample's
+// own time, a time between two samples and one past the end, forwards and then back.
+TEST_F(AsyncChannelTest, ValuesReadInOrderAndBackMatchTheReference)
+{
+    std::vector<double> times;
+    for (std::size_t i = 0; i + 1 < m_ref.times.size(); ++i) {
+        times.push_back(m_ref.times[i]);
+        times.push_back((m_ref.times[i] + m_ref.times[i + 1]) / 2.0);
+    }
+    times.push_back(m_ref.times.back() + 1.0);
+    for (const bool backwards : {false, true}) {
+        for (std::size_t k = 0; k < times.size(); ++k) {
+            const double t = times[backwards ? times.size() - 1 - k : k];
+            const auto index = static_cast<std::size_t>(m_ref.atOrBefore(t));
+            Tick tick = 0;
+            ASSERT_EQ(m_channel->getValueAtTime(t, &tick), m_ref.values[index]) << "time " << t;
+            ASSERT_EQ(tick, m_ref.ticks[index]) << "time " << t;
+        }
+    }
+}
+
 TEST_F(AsyncChannelTest, MinMaxCalculationsAndReducedEntriesMatchBruteForce)
 {
     EXPECT_EQ(m_channel->minValue(), *std::min_element(m_ref.values.begin(), m_ref.values.end()));

@@ -38,9 +38,8 @@ struct Point
     std::size_t index;
 };
 
-} // namespace
-
-ImportResult importGpxText(std::string_view text, const std::string& source)
+ImportResult importGpxDocument(const pugi::xml_document& doc, const pugi::xml_parse_result& parsed,
+                               const std::string& source)
 {
     Recording rec;
     rec.source = source;
@@ -48,8 +47,6 @@ ImportResult importGpxText(std::string_view text, const std::string& source)
     rec.start_time = NaN;
     ImportResult failed;
 
-    pugi::xml_document doc;
-    const pugi::xml_parse_result parsed = doc.load_buffer(text.data(), text.size());
     if (!parsed) {
         failed.error = source + ": not readable as XML: " + parsed.description() + " at byte " +
                        std::to_string(parsed.offset);
@@ -133,6 +130,16 @@ ImportResult importGpxText(std::string_view text, const std::string& source)
     ImportedChannel& heading_ch = rec.channels[3];
     ImportedChannel& speed_ch = rec.channels[4];
 
+    // At most one sample per point (and one more heading): no channel grows by copying.
+    for (ImportedChannel* ch : {&lat_ch, &lon_ch, &speed_ch, &heading_ch}) {
+        ch->times.reserve(points.size() + (ch == &heading_ch ? 1 : 0));
+        ch->values.reserve(ch->times.capacity());
+    }
+    if (!std::isnan(points.front().ele)) {
+        alt_ch.times.reserve(points.size());
+        alt_ch.values.reserve(points.size());
+    }
+
     const GeographicLib::Geodesic& geodesic = GeographicLib::Geodesic::WGS84();
     const double origin = points.front().time;
     const Point* prev = nullptr;
@@ -167,13 +174,25 @@ ImportResult importGpxText(std::string_view text, const std::string& source)
     return detail::finish(std::move(rec), origin);
 }
 
+} // namespace
+
+ImportResult importGpxText(std::string_view text, const std::string& source)
+{
+    pugi::xml_document doc;
+    const pugi::xml_parse_result parsed = doc.load_buffer(text.data(), text.size());
+    return importGpxDocument(doc, parsed, source);
+}
+
 ImportResult importGpx(const std::string& path)
 {
     std::string text;
     ImportResult failed;
     if (!detail::readFile(path, text, failed.error))
         return failed;
-    return importGpxText(text, path);
+    // The file's own bytes are parsed where they lie rather than copied first.
+    pugi::xml_document doc;
+    const pugi::xml_parse_result parsed = doc.load_buffer_inplace(text.data(), text.size());
+    return importGpxDocument(doc, parsed, path);
 }
 
 } // namespace lum::import

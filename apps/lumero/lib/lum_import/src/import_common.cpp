@@ -4,10 +4,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
+#include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <limits>
-#include <sstream>
 
 namespace lum::import {
 
@@ -23,18 +23,43 @@ namespace detail {
 
 bool readFile(const std::string& path, std::string& out, std::string& error)
 {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    if (!file) {
         error = path + ": cannot open file (" + std::strerror(errno) + ")";
         return false;
     }
-    std::ostringstream buffer;
-    buffer << in.rdbuf();
-    if (in.bad()) {
+    // One read into a string of the file's size: a stream buffer would copy every byte
+    // twice more. Files that grow or lie about their size (pipes) are read to the end.
+    std::string text;
+    if (std::fseek(file, 0, SEEK_END) == 0) {
+        const long size = std::ftell(file);
+        if (size > 0)
+            text.reserve(static_cast<std::size_t>(size));
+        std::rewind(file);
+    }
+    char chunk[1 << 16];
+    std::size_t got = 0;
+    std::size_t length = 0;
+    do {
+        if (text.capacity() > length) {
+            // Straight into the string where it has room.
+            text.resize(text.capacity());
+            got = std::fread(text.data() + length, 1, text.size() - length, file);
+            length += got;
+            text.resize(length);
+        } else {
+            got = std::fread(chunk, 1, sizeof chunk, file);
+            text.append(chunk, got);
+            length += got;
+        }
+    } while (got > 0);
+    const bool failed = std::ferror(file) != 0;
+    std::fclose(file);
+    if (failed) {
         error = path + ": read error";
         return false;
     }
-    out = std::move(buffer).str();
+    out = std::move(text);
     return true;
 }
 
@@ -46,26 +71,6 @@ std::int64_t daysFromCivil(std::int64_t year, unsigned month, unsigned day)
     const unsigned doy = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
     const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
     return era * 146097 + static_cast<std::int64_t>(doe) - 719468;
-}
-
-namespace {
-
-// The blanks of the "C" locale, tested inline: trim() runs on every field of every line,
-// and a file reads the same whatever locale the host process set.
-bool blank(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-} // namespace
-
-std::string_view trim(std::string_view s)
-{
-    while (!s.empty() && blank(s.front()))
-        s.remove_prefix(1);
-    while (!s.empty() && blank(s.back()))
-        s.remove_suffix(1);
-    return s;
 }
 
 ImportResult finish(Recording&& rec, double first_absolute_time)

@@ -17,7 +17,21 @@ bool readFile(const std::string& path, std::string& out, std::string& error);
 /// Days since 1970-01-01 of a proleptic Gregorian date.
 std::int64_t daysFromCivil(std::int64_t year, unsigned month, unsigned day);
 
-std::string_view trim(std::string_view s);
+/// The blanks of the "C" locale, tested inline: trim() runs on every field of every line,
+/// and a file reads the same whatever locale the host process set.
+inline bool blank(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+inline std::string_view trim(std::string_view s)
+{
+    while (!s.empty() && blank(s.front()))
+        s.remove_prefix(1);
+    while (!s.empty() && blank(s.back()))
+        s.remove_suffix(1);
+    return s;
+}
 
 /// The whole of @p text as a double (leading/trailing blanks allowed); nullopt otherwise.
 inline std::optional<double> toDouble(std::string_view text)

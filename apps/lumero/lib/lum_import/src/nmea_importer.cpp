@@ -54,24 +54,6 @@ int hexValue(char c)
     return -1;
 }
 
-// The sentence between '$' and '*' when its checksum is right; empty otherwise.
-std::string_view checkedBody(std::string_view line)
-{
-    const std::size_t star = line.rfind('*');
-    if (star == std::string_view::npos || star + 3 != line.size())
-        return {};
-    const int hi = hexValue(line[star + 1]);
-    const int lo = hexValue(line[star + 2]);
-    if (hi < 0 || lo < 0)
-        return {};
-    unsigned sum = 0;
-    for (std::size_t i = 1; i < star; ++i)
-        sum ^= static_cast<unsigned char>(line[i]);
-    if (sum != static_cast<unsigned>(hi * 16 + lo))
-        return {};
-    return line.substr(1, star - 1);
-}
-
 bool parseTimeOfDay(std::string_view s, double& out)
 {
     if (s.size() < 6)
@@ -84,8 +66,20 @@ bool parseTimeOfDay(std::string_view s, double& out)
     const int sec = (s[4] - '0') * 10 + (s[5] - '0');
     double fraction = 0.0;
     if (s.size() > 6) {
-        const auto f = detail::toDouble(std::string("0") + std::string(s.substr(6)));
-        if (!f || s[6] != '.')
+        if (s[6] != '.')
+            return false;
+        // "0" before the fraction, on the stack: this runs for every sentence.
+        const std::string_view rest = s.substr(6);
+        char text[32];
+        std::optional<double> f;
+        if (rest.size() < sizeof text) {
+            text[0] = '0';
+            std::memcpy(text + 1, rest.data(), rest.size());
+            f = detail::toDouble(std::string_view(text, rest.size() + 1));
+        } else {
+            f = detail::toDouble(std::string("0") + std::string(rest));
+        }
+        if (!f)
             return false;
         fraction = *f;
     }
@@ -167,12 +161,10 @@ public:
             return;
         }
         ++m_rec.lines;
-        const std::string_view body = checkedBody(text);
-        if (body.empty()) {
+        if (!checkedSplit(text)) {
             bad(line_no);
             return;
         }
-        split(body);
         const std::string_view address = m_fields[0];
         if (address.size() < 3 || address.front() == 'P')
             return; // proprietary
@@ -197,19 +189,32 @@ public:
 private:
     void bad(std::size_t line_no) { detail::countBad(m_rec, line_no); }
 
-    void split(std::string_view body)
+    // Splits the sentence between '$' and '*' into m_fields in the same pass over its
+    // bytes that sums them up; false when the sentence is empty or its checksum is
+    // missing or wrong. A plain loop: fields are a few characters long, too short for a
+    // library search per field to pay.
+    bool checkedSplit(std::string_view line)
     {
+        const std::size_t star = line.rfind('*');
+        if (star == std::string_view::npos || star + 3 != line.size() || star < 2)
+            return false;
+        const int hi = hexValue(line[star + 1]);
+        const int lo = hexValue(line[star + 2]);
+        if (hi < 0 || lo < 0)
+            return false;
         m_fields.clear();
-        std::size_t from = 0;
-        while (true) {
-            const std::size_t at = body.find(',', from);
-            if (at == std::string_view::npos) {
-                m_fields.push_back(body.substr(from));
-                return;
+        unsigned sum = 0;
+        const char* from = line.data() + 1;
+        const char* const end = line.data() + star;
+        for (const char* p = from; p != end; ++p) {
+            sum ^= static_cast<unsigned char>(*p);
+            if (*p == ',') {
+                m_fields.emplace_back(from, static_cast<std::size_t>(p - from));
+                from = p + 1;
             }
-            m_fields.push_back(body.substr(from, at - from));
-            from = at + 1;
         }
+        m_fields.emplace_back(from, static_cast<std::size_t>(end - from));
+        return sum == static_cast<unsigned>(hi * 16 + lo);
     }
 
     std::string_view field(std::size_t i) const
@@ -381,6 +386,16 @@ ImportResult importNmeaText(std::string_view text, const std::string& source)
 
     // Times relative to the first epoch keep full precision; the absolute start is added back.
     const double origin = static_cast<double>(epochs.front().day) * 86400.0 + epochs.front().time_of_day;
+    // Each channel at its final size at once: growing by doubling would copy them all
+    // and, for a moment, hold them twice.
+    std::size_t counts[FIELD_COUNT] = {};
+    for (const Epoch& e : epochs)
+        for (std::size_t f = 0; f < FIELD_COUNT; ++f)
+            counts[f] += std::isnan(e.value[f]) ? 0 : 1;
+    for (std::size_t f = 0; f < FIELD_COUNT; ++f) {
+        rec.channels[f].times.reserve(counts[f]);
+        rec.channels[f].values.reserve(counts[f]);
+    }
     for (const Epoch& e : epochs) {
         const double t = static_cast<double>(e.day - epochs.front().day) * 86400.0 +
                          (e.time_of_day - epochs.front().time_of_day);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <lum_data/append_only_index.h>
 #include <lum_data/memory_channel_options.h>
 #include <lum_data/memory_data_source.h>
 #include <lum_data/reduction_builder.h>
@@ -9,11 +10,11 @@
 #include <daq/async_sample_stream.h>
 #include <daq_writer/async_sample_writer.h>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <shared_mutex>
 #include <utility>
 #include <vector>
 
@@ -96,10 +97,20 @@ private:
     double m_pending_min;
     double m_pending_max;
 
-    // Closed blocks never change: a flat copy of their first timestamps finds one with a
-    // search in contiguous memory instead of a walk through the stream's map.
-    mutable std::shared_mutex m_index_lock;
-    std::vector<std::uint64_t> m_closed_firsts;
+    struct ClosedBlock
+    {
+        std::uint64_t first = 0;
+        const daq::SampleDataBlock* block = nullptr;
+    };
+    // Closed blocks never change: an index of their first timestamps finds one with a
+    // binary search instead of a walk through the stream's map, and without a lock, as
+    // every value read at a time asks it.
+    AppendOnlyIndex<ClosedBlock> m_closed;
+    /// Where the last search ended: a hint any reader may leave, checked before use.
+    mutable std::atomic<std::size_t> m_last_block{0};
+    /// The same for the sample within its block.
+    mutable std::atomic<std::uint32_t> m_last_sample{0};
+    /// Keeps the indexed blocks; the writer's only.
     std::vector<daq::SampleDataBlockPtr> m_closed_blocks;
     std::size_t m_known_closed = 0;
     ferrin::Tick m_first_tick = ferrin::NO_TICK;

@@ -27,8 +27,13 @@ public:
 
     /// Positions [0, extent) exist; loading beyond them fails. Only grows; called by
     /// one writer at a time.
-    void setExtent(std::uint64_t extent);
-    std::uint64_t extent() const;
+    void setExtent(std::uint64_t extent)
+    {
+        // One writer grows the extent, once per sample: inline and without a lock.
+        if (extent > m_extent.load(std::memory_order_relaxed))
+            m_extent.store(extent, std::memory_order_release);
+    }
+    std::uint64_t extent() const { return m_extent.load(std::memory_order_acquire); }
 
     bool isResident(std::uint64_t position) const;
     /// Makes every page resident, now and as the extent grows, and lifts the budget:

@@ -35,7 +35,14 @@ public:
     /// Stores entry @p index (above every stored one) and lets entries count up to it.
     void append(std::uint64_t index, const ferrin::ReducedValue& value);
     /// Entries [0, @p count) exist from now on. Only grows.
-    void setEntryCount(std::uint64_t count);
+    void setEntryCount(std::uint64_t count)
+    {
+        // One writer; entries it counts are stored before (or answered by the fallback).
+        if (count <= m_count.load(std::memory_order_relaxed))
+            return;
+        m_count.store(count, std::memory_order_release);
+        m_loader.setExtent(count);
+    }
     /// Entries held in memory.
     std::size_t storedCount() const;
 

@@ -4,6 +4,7 @@
 
 #include <ferrin_core/reduced_value.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -19,8 +20,33 @@ struct ReducedAccumulator
     double sum_of_squares = 0.0;
     std::uint64_t count = 0;
 
-    void add(double value);
-    void merge(const ReducedAccumulator& other);
+    // Inline: they run once per sample and once per block.
+    void add(double value)
+    {
+        if (count == 0) {
+            min = max = value;
+        } else {
+            min = std::min(min, value);
+            max = std::max(max, value);
+        }
+        sum += value;
+        sum_of_squares += value * value;
+        ++count;
+    }
+    void merge(const ReducedAccumulator& other)
+    {
+        if (other.count == 0)
+            return;
+        if (count == 0) {
+            *this = other;
+            return;
+        }
+        min = std::min(min, other.min);
+        max = std::max(max, other.max);
+        sum += other.sum;
+        sum_of_squares += other.sum_of_squares;
+        count += other.count;
+    }
     /// min, max, average and root mean square; NaN throughout for an empty block.
     ferrin::ReducedValue value() const;
 };
@@ -41,7 +67,16 @@ public:
                      std::uint64_t min_count = 1);
 
     /// Positions must not go backwards; a position behind the last one is ignored.
-    void add(std::uint64_t position, double value);
+    void add(std::uint64_t position, double value)
+    {
+        if (m_levels.empty() || position < m_last_position)
+            return;
+        m_last_position = position;
+        // Most samples fall in the block of the one before: no division for them.
+        if (position > m_block_last)
+            startBlockOf(position);
+        m_levels.front().current.add(value);
+    }
     /// Declares positions below @p end final and writes every entry they complete.
     void completeUpTo(std::uint64_t end);
 
@@ -57,6 +92,8 @@ private:
         std::uint64_t factor;
         std::uint64_t index = 0;
         ReducedAccumulator current;
+        /// Entries the level's stream was last told exist.
+        std::uint64_t counted = 0;
     };
 
     /// @p position / the factor of @p level (0 = first): a shift when the block is a power of two.
@@ -68,6 +105,8 @@ private:
 
     /// Writes the block that @p level accumulates and merges it into the level above.
     void flush(std::size_t level);
+    /// Completes the blocks before @p position's and makes its block the first level's.
+    void startBlockOf(std::uint64_t position);
 
     std::uint64_t m_block;
     std::uint64_t m_min_count;
