@@ -9,6 +9,8 @@
 #include <uni_base/uni_log.h>
 
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 
 namespace overmap {
 
@@ -19,6 +21,15 @@ using math_geo::Point2D;
 namespace {
 constexpr const char* CORRECTING_SYSTEM =
     "PositionObject::setXYPosition() - correcting the coordinate system";
+
+bool sameBits(double a, double b)
+{
+    std::uint64_t x = 0;
+    std::uint64_t y = 0;
+    std::memcpy(&x, &a, sizeof x);
+    std::memcpy(&y, &b, sizeof y);
+    return x == y;
+}
 
 double readChannel(ferrin::ScalarChannel& channel, double time)
 {
@@ -58,10 +69,26 @@ void PositionObject::setPlane(const math_geo::ProjectionPlane* plane)
 
 Point2D PositionObject::toLocal(const GeoPosition& position) const
 {
-    math_geo::ProjectionPlane plane = m_object_plane;
+    return turnedPlane().toPlane(position);
+}
+
+const math_geo::ProjectionPlane& PositionObject::turnedPlane() const
+{
     const double heading = effectiveHeading();
-    plane.setRotation(localCoordinateSystem() == CoordinateSystem::DIN70000 ? -heading : heading);
-    return plane.toPlane(position);
+    const double rotation = localCoordinateSystem() == CoordinateSystem::DIN70000 ? -heading : heading;
+    // Every POI and contour point of one place goes through the same plane: it is turned
+    // again only when the place, the system or the angle changed in any bit.
+    const GeoPosition center = m_object_plane.getCenter();
+    const GeoPosition turned_center = m_turned_plane.getCenter();
+    if (!m_turned_valid || !sameBits(rotation, m_turned_plane.getRotation()) ||
+        !sameBits(center.latitude, turned_center.latitude) ||
+        !sameBits(center.longitude, turned_center.longitude) ||
+        m_turned_plane.getXYCoordinateSystem() != localCoordinateSystem()) {
+        m_turned_plane = m_object_plane;
+        m_turned_plane.setRotation(rotation);
+        m_turned_valid = true;
+    }
+    return m_turned_plane;
 }
 
 void PositionObject::setCoordinateSystem(CoordinateSystem value)
@@ -74,10 +101,7 @@ void PositionObject::setCoordinateSystem(CoordinateSystem value)
 GeoPosition PositionObject::toGeo(const Point2D& pt) const
 {
     UNI_ASSERT(pt.getCoordinateSystem() == m_object_plane.getXYCoordinateSystem());
-    math_geo::ProjectionPlane plane = m_object_plane;
-    const double heading = effectiveHeading();
-    plane.setRotation(localCoordinateSystem() == CoordinateSystem::DIN70000 ? -heading : heading);
-    return plane.toGeoPosition(pt);
+    return turnedPlane().toGeoPosition(pt);
 }
 
 void PositionObject::setLength(double length)

@@ -495,4 +495,96 @@ TEST_F(PositionObjectTest, LocatorStartsWithThreeEmptyQualityPositions)
     EXPECT_TRUE(locator.getQualityPositions().empty());
 }
 
+// --- the turned plane of toGeo ------------------------------------------------------------
+
+/// A cone hanging on a parent cone, both in one reference plane.
+struct TurnScene
+{
+    math_geo::ProjectionPlane plane = om_test::sitePlane(5.0);
+    std::shared_ptr<Cone> parent = std::make_shared<Cone>(&plane);
+    Cone cone{&plane};
+};
+
+struct TurnChange
+{
+    const char* name;
+    void (*before)(TurnScene&);
+    void (*change)(TurnScene&);
+};
+
+void freeStanding(TurnScene& s)
+{
+    s.cone.setGeoPosition(om_test::SITE);
+    s.cone.setHeading(30);
+}
+
+void onParent(TurnScene& s)
+{
+    s.parent->setGeoPosition(NEARBY);
+    s.parent->setHeading(20);
+    s.cone.setGeoPosition(om_test::SITE);
+    s.cone.setReferenceObject(s.parent);
+    s.cone.setHeading(30);
+}
+
+void byXY(TurnScene& s)
+{
+    s.cone.setXYPosition(Point2D(12, -4, CoordinateSystem::X_FRONT_Y_LEFT));
+    s.cone.setHeading(30);
+}
+
+class PositionObjectTurn : public ::testing::TestWithParam<TurnChange>
+{
+protected:
+    static GeoPosition front(const Cone& cone)
+    {
+        return cone.toGeo(Point2D(8, 3, cone.localCoordinateSystem()));
+    }
+};
+
+// A point asked for before a change lands where it would had nobody asked before.
+TEST_P(PositionObjectTurn, PointsFollowEveryChangeThatTurnsOrMovesTheObject)
+{
+    TurnScene asked;
+    GetParam().before(asked);
+    const GeoPosition before = front(asked.cone);
+    EXPECT_EQ(front(asked.cone), before);
+    GetParam().change(asked);
+    TurnScene fresh;
+    GetParam().before(fresh);
+    GetParam().change(fresh);
+    const GeoPosition after = front(asked.cone);
+    EXPECT_NE(after, before) << "the change must move the point";
+    EXPECT_EQ(after, front(fresh.cone));
+    EXPECT_EQ(asked.cone.toLocal(NEARBY), fresh.cone.toLocal(NEARBY));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Changes, PositionObjectTurn,
+    ::testing::Values(
+        TurnChange{"Heading", freeStanding, [](TurnScene& s) { s.cone.setHeading(31); }},
+        TurnChange{"CentreEastOnly", freeStanding,
+                   [](TurnScene& s) { s.cone.setGeoPosition(GeoPosition(48.2, 11.6001)); }},
+        TurnChange{"CentreNorthOnly", freeStanding,
+                   [](TurnScene& s) { s.cone.setGeoPosition(GeoPosition(48.2001, 11.6)); }},
+        TurnChange{"LocalSystem",
+                   [](TurnScene& s) {
+                       s.cone.setCoordinateSystem(CoordinateSystem::DIN70000);
+                       freeStanding(s);
+                   },
+                   [](TurnScene& s) { s.cone.setCoordinateSystem(CoordinateSystem::X_RIGHT_Y_FRONT); }},
+        TurnChange{"ParentHeading", onParent, [](TurnScene& s) { s.parent->setHeading(25); }},
+        TurnChange{"ParentMoves", onParent,
+                   [](TurnScene& s) {
+                       s.parent->setGeoPosition(om_test::SITE);
+                       s.cone.update(1.0);
+                   }},
+        TurnChange{"ReferencePlaneRotation", byXY,
+                   [](TurnScene& s) {
+                       s.plane.setRotation(15.0);
+                       s.cone.setPlane(&s.plane);
+                   }},
+        TurnChange{"ReferencePlaneRotationAlone", byXY, [](TurnScene& s) { s.plane.setRotation(15.0); }}),
+    [](const ::testing::TestParamInfo<TurnChange>& info) { return info.param.name; });
+
 } // namespace

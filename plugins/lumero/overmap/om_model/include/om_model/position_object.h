@@ -117,6 +117,8 @@ protected:
 
 private:
     void init();
+    /// The object's plane turned by the effective heading, as toGeo and toLocal use it.
+    const math_geo::ProjectionPlane& turnedPlane() const;
 
     double m_length = 0.0;
     double m_width = 0.0;
@@ -129,6 +131,10 @@ private:
     bool m_xy_flag = false;
     std::shared_ptr<PositionObject> m_reference_object;
     double m_last_update_time = -1.0;
+    /// Cache of turnedPlane(), checked against the object's plane and heading at each use;
+    /// like the rest of the object, not for concurrent use.
+    mutable math_geo::ProjectionPlane m_turned_plane;
+    mutable bool m_turned_valid = false;
 };
 
 } // namespace overmap
