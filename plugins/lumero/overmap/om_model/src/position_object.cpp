@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 namespace overmap {
 
@@ -289,23 +290,10 @@ void PositionObject::update(double time)
     if (!parent) {
         if (m_xy_flag)
             return;
-        if (m_heading_channel)
-            setHeading(readChannel(*m_heading_channel, time));
-        if (hasPositionChannels()) {
-            GeoPosition position = getGeoPosition();
-            if (m_latitude_channel)
-                position.latitude = readChannel(*m_latitude_channel, time);
-            if (m_longitude_channel)
-                position.longitude = readChannel(*m_longitude_channel, time);
-            if (position.valid()) {
-                m_object_plane.setCenter(position);
-            } else {
-                UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR) << "Invalid latitude and/or longitude (" << position
-                                                        << ") position for object " << getName();
-            }
-        }
-        updateXYFromGeo();
-        m_last_update_time = time;
+        constexpr double NONE = std::numeric_limits<double>::quiet_NaN();
+        place(time, {m_latitude_channel ? readChannel(*m_latitude_channel, time) : NONE,
+                     m_longitude_channel ? readChannel(*m_longitude_channel, time) : NONE,
+                     m_heading_channel ? readChannel(*m_heading_channel, time) : NONE});
         return;
     }
     if (parent->m_reference_object.get() == this)
@@ -318,6 +306,38 @@ void PositionObject::update(double time)
         m_object_plane.setCenter(globe);
     else
         UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR) << "Invalid position for object " << getName();
+}
+
+void PositionObject::update(double time, const ChannelReading& reading)
+{
+    if (time == m_last_update_time)
+        return;
+    if (m_reference_object || m_xy_flag) {
+        update(time);
+        return;
+    }
+    place(time, reading);
+}
+
+void PositionObject::place(double time, const ChannelReading& reading)
+{
+    if (m_heading_channel)
+        setHeading(reading.heading);
+    if (hasPositionChannels()) {
+        GeoPosition position = getGeoPosition();
+        if (m_latitude_channel)
+            position.latitude = reading.latitude;
+        if (m_longitude_channel)
+            position.longitude = reading.longitude;
+        if (position.valid()) {
+            m_object_plane.setCenter(position);
+        } else {
+            UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR)
+                << "Invalid latitude and/or longitude (" << position << ") position for object " << getName();
+        }
+    }
+    updateXYFromGeo();
+    m_last_update_time = time;
 }
 
 } // namespace overmap

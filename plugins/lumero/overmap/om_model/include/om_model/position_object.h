@@ -99,8 +99,20 @@ public:
         return m_object_plane.getXYCoordinateSystem();
     }
 
+    /// What the object's own channels give at one time; not-a-number where it has none.
+    struct ChannelReading
+    {
+        double latitude;
+        double longitude;
+        double heading;
+    };
+
     /// Brings the object to @p time (seconds): reads its channels, or follows its parent.
     void update(double time);
+    /// The same with @p reading, read at @p time from this object's channels by a caller
+    /// that looked at the values first, so that they are not read twice. An object that
+    /// follows a parent or its XY position does not read its channels and ignores it.
+    void update(double time, const ChannelReading& reading);
     /// Time of the last update; -1.0 when the object has been moved since.
     double getLastUpdateTime() const { return m_last_update_time; }
 
@@ -117,6 +129,8 @@ protected:
 
 private:
     void init();
+    /// update() of an object placed by its own channels.
+    void place(double time, const ChannelReading& reading);
     /// The object's plane turned by the effective heading, as toGeo and toLocal use it.
     const math_geo::ProjectionPlane& turnedPlane() const;
 
