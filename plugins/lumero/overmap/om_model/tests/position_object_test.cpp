@@ -330,6 +330,30 @@ TEST_F(PositionObjectTest, AsynchronousGpsGivesTheFixAtOrBeforeTheTime)
     EXPECT_EQ(cone.getGeoPosition(), GeoPosition(48.2003, 11.6003));
 }
 
+TEST_F(PositionObjectTest, AReadingHandedOverStandsForTheChannelsTheObjectHas)
+{
+    Cone cone(&m_plane);
+    cone.setGeoPosition(NEARBY);
+    cone.setLatitudeChannel(om_test::makeChannel(10.0, {48.2001, 48.2002}));
+    cone.setHeadingChannel(om_test::makeChannel(10.0, {10.0, 20.0}));
+    // No longitude channel: the longitude of the reading is not looked at.
+    cone.update(0.1, {48.3, 12.0, 370.0});
+    EXPECT_EQ(cone.getGeoPosition(), GeoPosition(48.3, NEARBY.longitude));
+    EXPECT_DOUBLE_EQ(cone.getHeading(), 10.0);
+    EXPECT_TRUE(near(cone.getXYPosition(), m_plane.toPlane(GeoPosition(48.3, NEARBY.longitude))));
+    EXPECT_EQ(cone.getLastUpdateTime(), 0.1);
+    cone.update(0.1, {1.0, 1.0, 1.0});
+    EXPECT_EQ(cone.getGeoPosition(), GeoPosition(48.3, NEARBY.longitude)) << "same time: nothing to do";
+
+    auto parent = std::make_shared<Cone>(&m_plane);
+    parent->setGeoPosition(om_test::SITE);
+    cone.setReferenceObject(parent);
+    const GeoPosition hung = cone.getGeoPosition();
+    cone.update(0.2, {1.0, 1.0, 1.0});
+    EXPECT_TRUE(near(m_plane.toPlane(cone.getGeoPosition()), m_plane.toPlane(hung), 1e-6))
+        << "an object on a parent follows it, whatever the reading";
+}
+
 TEST_F(PositionObjectTest, SameTimeTwiceReadsTheChannelsOnce)
 {
     Cone cone(&m_plane);
