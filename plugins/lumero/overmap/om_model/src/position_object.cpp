@@ -177,7 +177,7 @@ void PositionObject::setHeading(double degrees)
     if (heading < 0)
         heading += 360.0;
     UNI_ASSERT(heading >= 0 && heading < 360.0);
-    m_object_plane.setRotation(heading);
+    m_heading = heading;
 }
 
 void PositionObject::setHeadingFromCoord(double degrees, CoordinateSystem system)

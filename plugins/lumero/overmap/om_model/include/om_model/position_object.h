@@ -59,7 +59,7 @@ public:
     bool isXYPosition() const { return m_xy_flag; }
 
     /// The stored heading, degrees in [0, 360), counted in the sense of the local system.
-    double getHeading() const { return m_object_plane.getRotation(); }
+    double getHeading() const { return m_heading; }
     /// Normalises into one turn; not-a-number is logged and ignored.
     void setHeading(double degrees);
     /// A heading given in @p system: DIN70000 counts the other way round.
@@ -137,7 +137,10 @@ private:
     double m_length = 0.0;
     double m_width = 0.0;
     std::vector<Poi> m_pois;
+    /// Centred on the object, unturned: the heading turns only the copy that toGeo uses,
+    /// so that a new heading costs no cosine until a point is placed.
     math_geo::ProjectionPlane m_object_plane;
+    double m_heading = 0.0;
     ChannelPtr m_latitude_channel;
     ChannelPtr m_longitude_channel;
     ChannelPtr m_heading_channel;
