@@ -21,9 +21,10 @@ ProjectionPlane::ProjectionPlane(const GeoPosition& center, double rotation)
 
 ProjectionPlane::ProjectionPlane(const GeoPosition& center, double rotation,
                                  CoordinateSystem coordinate_system)
-    : m_rotation(rotation), m_xy_coordinate_system(coordinate_system)
+    : m_center(center), m_rotation(rotation), m_xy_coordinate_system(coordinate_system)
 {
-    setCenter(center);
+    UNI_ASSERT(center.valid());
+    cacheScales();
     cacheRotation();
 }
 
@@ -43,11 +44,25 @@ void ProjectionPlane::cacheRotation()
 void ProjectionPlane::setCenter(const GeoPosition& center)
 {
     UNI_ASSERT(center.valid());
+    // A moving object mostly changes its longitude at a time, and the scales depend on the
+    // latitude only (a not-a-number one never compares equal, so it is always taken).
+    const bool same_latitude = center.latitude == m_center.latitude;
     m_center = center;
-    const double meridian = meridianRadius(center.latitude);
-    const double prime_vertical = primeVerticalRadius(center.latitude);
+    if (!same_latitude)
+        cacheScales();
+}
+
+void ProjectionPlane::cacheScales()
+{
+    // meridianRadius and primeVerticalRadius with their common term taken once, the same
+    // operations in the same order, so the scales agree with them to the last bit.
+    const double phi = m_center.latitude * earth::DEG_TO_RAD;
+    const double s = std::sin(phi);
+    const double w = 1.0 - earth::ECCENTRICITY_SQUARED * s * s;
+    const double meridian = earth::SEMI_MAJOR_AXIS_TIMES_ONE_MINUS_E2 / std::pow(w, 1.5);
+    const double prime_vertical = earth::SEMI_MAJOR_AXIS / std::sqrt(w);
     m_latitude_scale = meridian * earth::DEG_TO_RAD;
-    m_longitude_scale = std::cos(center.latitude * earth::DEG_TO_RAD) * prime_vertical * earth::DEG_TO_RAD;
+    m_longitude_scale = std::cos(phi) * prime_vertical * earth::DEG_TO_RAD;
 }
 
 Point2D ProjectionPlane::toPlane(const GeoPosition& position) const

@@ -55,6 +55,8 @@ private:
     /// Every vertex of every frame is turned by the same angle: its cosine and sine are
     /// taken once, when the rotation changes.
     void cacheRotation();
+    /// Metres per degree at the centre's latitude.
+    void cacheScales();
 
     GeoPosition m_center;
     double m_rotation = 0.0;

@@ -97,9 +97,12 @@ bool CalculationScene::knownAt(const overmap::PositionObject& object, double tim
     if (depth >= MAX_DEPTH)
         return false;
     const auto cached = m_known.find(&object);
-    if (cached != m_known.end() && cached->second.time == time)
+    if (cached != m_known.end() && cached->second.time == time) {
+        m_last_reading = &cached->second.reading;
         return cached->second.known;
+    }
     bool known = true;
+    overmap::PositionObject::ChannelReading reading{NaN, NaN, NaN};
     const auto& parent = object.getReferenceObject();
     if (parent && !knownAt(*parent, time, depth + 1))
         known = false;
@@ -109,17 +112,28 @@ bool CalculationScene::knownAt(const overmap::PositionObject& object, double tim
         const auto& latitude = object.getLatitudeChannel();
         const auto& longitude = object.getLongitudeChannel();
         const auto& heading = object.getHeadingChannel();
+        // The values read here are the ones update() would read: place() hands them over.
         math_geo::GeoPosition position = object.getGeoPosition();
-        if (latitude)
-            position.latitude = recordedAt(*latitude, time) ? latitude->getValueAtTime(time, nullptr) : NaN;
-        if (longitude)
-            position.longitude =
-                recordedAt(*longitude, time) ? longitude->getValueAtTime(time, nullptr) : NaN;
+        if (latitude) {
+            reading.latitude = recordedAt(*latitude, time) ? latitude->getValueAtTime(time, nullptr) : NaN;
+            position.latitude = reading.latitude;
+        }
+        if (longitude) {
+            reading.longitude = recordedAt(*longitude, time) ? longitude->getValueAtTime(time, nullptr) : NaN;
+            position.longitude = reading.longitude;
+        }
         known = position.valid();
-        if (known && heading)
-            known = recordedAt(*heading, time) && std::isfinite(heading->getValueAtTime(time, nullptr));
+        if (known && heading) {
+            known = recordedAt(*heading, time);
+            if (known) {
+                reading.heading = heading->getValueAtTime(time, nullptr);
+                known = std::isfinite(reading.heading);
+            }
+        }
     }
-    m_known[&object] = Known{time, known};
+    Known& entry = m_known[&object];
+    entry = Known{time, known, reading};
+    m_last_reading = &entry.reading;
     return known;
 }
 
@@ -127,7 +141,7 @@ bool CalculationScene::place(overmap::PositionObject& object, double time)
 {
     if (!knownAt(object, time, 0))
         return false;
-    object.update(time);
+    object.update(time, *m_last_reading);
     return true;
 }
 
@@ -137,11 +151,18 @@ std::optional<Measurement> CalculationScene::measurementAt(const overmap::Calcul
     if (!std::isfinite(time))
         return std::nullopt;
     const std::lock_guard<std::mutex> lock(m_mutex);
-    for (overmap::GeoObject* end : {calculation.getFrom().get(), calculation.getTo().get()}) {
-        if (auto* position = dynamic_cast<overmap::PositionObject*>(end)) {
-            if (!place(*position, time))
-                return std::nullopt;
-        }
+    // The ends of a calculation never change kind: which of them move is looked up once.
+    auto ends = m_ends.find(&calculation);
+    if (ends == m_ends.end()) {
+        ends = m_ends
+                   .emplace(&calculation,
+                            Ends{dynamic_cast<overmap::PositionObject*>(calculation.getFrom().get()),
+                                 dynamic_cast<overmap::PositionObject*>(calculation.getTo().get())})
+                   .first;
+    }
+    for (overmap::PositionObject* position : {ends->second.from, ends->second.to}) {
+        if (position != nullptr && !place(*position, time))
+            return std::nullopt;
     }
     return measure(calculation);
 }

@@ -5,6 +5,7 @@
 #include <GeographicLib/Geodesic.hpp>
 #include <pugixml.hpp>
 
+#include <cstdint>
 #include <cstring>
 #include <limits>
 
@@ -30,7 +31,9 @@ bool named(const pugi::xml_node& node, const char* name)
 
 struct Point
 {
-    double time;
+    std::int64_t whole_seconds;
+    double fraction;
+    double time; // seconds since the first point, formed once all are read
     double lat;
     double lon;
     double ele;
@@ -75,7 +78,8 @@ ImportResult importGpxDocument(const pugi::xml_document& doc, const pugi::xml_pa
                 ++rec.lines;
                 const auto lat = detail::toDouble(pt.attribute("lat").value());
                 const auto lon = detail::toDouble(pt.attribute("lon").value());
-                double time = NaN;
+                std::int64_t whole_seconds = 0;
+                double fraction = 0.0;
                 bool utc = false;
                 // One walk over the point's children finds the first of each.
                 pugi::xml_node time_node, ele_node, speed_node;
@@ -96,14 +100,15 @@ ImportResult importGpxDocument(const pugi::xml_document& doc, const pugi::xml_pa
                     continue;
                 }
                 if (!lat || !lon || std::fabs(*lat) > 90.0 || std::fabs(*lon) > 180.0 ||
-                    !parseIsoTime(time_node.text().get(), time, utc)) {
+                    !parseIsoTime(time_node.text().get(), whole_seconds, fraction, utc)) {
                     detail::countBad(rec, index);
                     continue;
                 }
                 utc_all = utc_all && utc;
                 const auto ele = detail::toDouble(ele_node.text().get());
                 const auto speed = detail::toDouble(speed_node.text().get());
-                points.push_back({time, *lat, *lon, ele.value_or(NaN), speed.value_or(NaN), index});
+                points.push_back({whole_seconds, fraction, NaN, *lat, *lon, ele.value_or(NaN),
+                                  speed.value_or(NaN), index});
             }
         }
     }
@@ -141,10 +146,15 @@ ImportResult importGpxDocument(const pugi::xml_document& doc, const pugi::xml_pa
     }
 
     const GeographicLib::Geodesic& geodesic = GeographicLib::Geodesic::WGS84();
-    const double origin = points.front().time;
+    // Whole seconds and fractions meet only in the time since the first point: evenly spaced
+    // fixes stay evenly spaced to the last bit a small number has.
+    const Point& first = points.front();
+    const double origin = static_cast<double>(first.whole_seconds) + first.fraction;
+    for (Point& p : points)
+        p.time = static_cast<double>(p.whole_seconds - first.whole_seconds) + (p.fraction - first.fraction);
     const Point* prev = nullptr;
     for (const Point& p : points) {
-        const double t = p.time - origin;
+        const double t = p.time;
         if (!detail::appendSample(lat_ch, t, p.lat)) {
             detail::countBad(rec, p.index); // time repeated or going back
             continue;

@@ -103,7 +103,7 @@ ImportResult finish(Recording&& rec, double first_absolute_time)
 
 } // namespace detail
 
-bool parseIsoTime(std::string_view text, double& seconds, bool& utc)
+bool parseIsoTime(std::string_view text, std::int64_t& whole_seconds, double& fraction, bool& utc)
 {
     text = detail::trim(text);
     auto digits = [&](std::size_t pos, std::size_t n, int& out) {
@@ -126,18 +126,25 @@ bool parseIsoTime(std::string_view text, double& seconds, bool& utc)
     if (month < 1 || month > 12 || day < 1 || day > 31 || hour > 23 || minute > 59 || second > 60)
         return false;
     std::size_t pos = 19;
-    double fraction = 0.0;
+    // The fraction is one correctly rounded quotient of its digits, so that the same
+    // tenths always give the same number; digits past the 15th are below its precision.
+    double part = 0.0;
     if (pos < text.size() && (text[pos] == '.' || text[pos] == ',')) {
-        double scale = 0.1;
+        constexpr std::size_t MAX_DIGITS = 15;
+        std::int64_t numerator = 0;
+        double denominator = 1.0;
         ++pos;
         const std::size_t start = pos;
         while (pos < text.size() && std::isdigit(static_cast<unsigned char>(text[pos]))) {
-            fraction += scale * (text[pos] - '0');
-            scale /= 10.0;
+            if (pos - start < MAX_DIGITS) {
+                numerator = numerator * 10 + (text[pos] - '0');
+                denominator *= 10.0;
+            }
             ++pos;
         }
         if (pos == start)
             return false;
+        part = static_cast<double>(numerator) / denominator;
     }
     int offset_minutes = 0;
     bool zone = false;
@@ -156,9 +163,19 @@ bool parseIsoTime(std::string_view text, double& seconds, bool& utc)
     }
     const std::int64_t days =
         detail::daysFromCivil(year, static_cast<unsigned>(month), static_cast<unsigned>(day));
-    seconds = static_cast<double>(days * 86400 + hour * 3600 + minute * 60 + second - offset_minutes * 60) +
-              fraction;
+    whole_seconds = days * 86400 + hour * 3600 + minute * 60 + second - offset_minutes * 60;
+    fraction = part;
     utc = zone;
+    return true;
+}
+
+bool parseIsoTime(std::string_view text, double& seconds, bool& utc)
+{
+    std::int64_t whole = 0;
+    double fraction = 0.0;
+    if (!parseIsoTime(text, whole, fraction, utc))
+        return false;
+    seconds = static_cast<double>(whole) + fraction;
     return true;
 }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 #include <cmath>
 
 namespace {
@@ -109,5 +111,37 @@ TEST(IsoTime, ParsesZonesFractionsAndRejectsJunk)
                             "2013-01-01T00:00:00Q", "2013-01-01T00:00:00.Z", "2013-01-01T00:00:00+1"})
         EXPECT_FALSE(lum::import::parseIsoTime(bad, s, utc)) << bad;
 }
+
+struct SplitTimeRow
+{
+    const char* name;
+    const char* text;
+    std::int64_t whole;
+    double fraction;
+};
+
+class IsoTimeSplit : public ::testing::TestWithParam<SplitTimeRow>
+{};
+
+// The fraction is the nearest double to its digits, whatever the seconds before it.
+TEST_P(IsoTimeSplit, KeepsWholeSecondsAndTheFractionApart)
+{
+    std::int64_t whole = 0;
+    double fraction = -1.0;
+    bool utc = false;
+    ASSERT_TRUE(lum::import::parseIsoTime(GetParam().text, whole, fraction, utc));
+    EXPECT_EQ(whole, GetParam().whole);
+    EXPECT_EQ(fraction, GetParam().fraction);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, IsoTimeSplit,
+    ::testing::Values(SplitTimeRow{"NoFraction", "2009-03-02T14:05:52Z", 1236002752, 0.0},
+                      SplitTimeRow{"Tenths", "2009-03-02T14:05:52.3Z", 1236002752, 0.3},
+                      SplitTimeRow{"TenthsWithTrailingZeros", "2009-03-02T14:05:52.700Z", 1236002752, 0.7},
+                      SplitTimeRow{"CommaAndZone", "2009-03-02T15:05:52,25+01:00", 1236002752, 0.25},
+                      SplitTimeRow{"PastDoublePrecision", "2023-05-01T10:00:00.1000000000000000000001Z",
+                                   1682935200, 0.1}),
+    [](const ::testing::TestParamInfo<SplitTimeRow>& info) { return info.param.name; });
 
 } // namespace

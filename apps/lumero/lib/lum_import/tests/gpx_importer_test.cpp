@@ -39,6 +39,25 @@ TEST(GpxImport, HeadingIsBearingBetweenPointsSpeedFromFileOrDistance)
     EXPECT_TRUE(rec.start_time_utc);
 }
 
+TEST(GpxImport, TenHertzFixesStayEvenlySpacedAcrossSecondsFromAnyFraction)
+{
+    std::string text = "<gpx><trk><trkseg>";
+    for (int i = 0; i < 40; ++i) {
+        const int tenths = 7 + i; // from 10:00:00.7 over four second boundaries
+        text += "<trkpt lat=\"48.1\" lon=\"" + std::to_string(11.0 + 1e-5 * i) +
+                "\"><time>2023-05-01T10:00:0" + std::to_string(tenths / 10) + "." +
+                std::to_string(tenths % 10) + "Z</time></trkpt>";
+    }
+    text += "</trkseg></trk></gpx>";
+    const auto r = importGpxText(text);
+    ASSERT_TRUE(r) << r.error;
+    const std::vector<double>& times = r.recording.channel("latitude")->times;
+    ASSERT_EQ(times.size(), 40u);
+    for (std::size_t i = 0; i < times.size(); ++i)
+        EXPECT_NEAR(times[i], 0.1 * static_cast<double>(i), 1e-14) << "fix " << i;
+    EXPECT_DOUBLE_EQ(r.recording.start_time, 1682935200.7);
+}
+
 TEST(GpxImport, APointsFirstTimeElevationAndSpeedCountInAnyOrderAndPrefix)
 {
     const auto r = importGpxText(R"(<gpx xmlns:g="urn:g"><trk><trkseg>

@@ -9,6 +9,9 @@
 #include <uni_base/uni_log.h>
 
 #include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
 
 namespace overmap {
 
@@ -19,6 +22,15 @@ using math_geo::Point2D;
 namespace {
 constexpr const char* CORRECTING_SYSTEM =
     "PositionObject::setXYPosition() - correcting the coordinate system";
+
+bool sameBits(double a, double b)
+{
+    std::uint64_t x = 0;
+    std::uint64_t y = 0;
+    std::memcpy(&x, &a, sizeof x);
+    std::memcpy(&y, &b, sizeof y);
+    return x == y;
+}
 
 double readChannel(ferrin::ScalarChannel& channel, double time)
 {
@@ -58,10 +70,26 @@ void PositionObject::setPlane(const math_geo::ProjectionPlane* plane)
 
 Point2D PositionObject::toLocal(const GeoPosition& position) const
 {
-    math_geo::ProjectionPlane plane = m_object_plane;
+    return turnedPlane().toPlane(position);
+}
+
+const math_geo::ProjectionPlane& PositionObject::turnedPlane() const
+{
     const double heading = effectiveHeading();
-    plane.setRotation(localCoordinateSystem() == CoordinateSystem::DIN70000 ? -heading : heading);
-    return plane.toPlane(position);
+    const double rotation = localCoordinateSystem() == CoordinateSystem::DIN70000 ? -heading : heading;
+    // Every POI and contour point of one place goes through the same plane: it is turned
+    // again only when the place, the system or the angle changed in any bit.
+    const GeoPosition center = m_object_plane.getCenter();
+    const GeoPosition turned_center = m_turned_plane.getCenter();
+    if (!m_turned_valid || !sameBits(rotation, m_turned_plane.getRotation()) ||
+        !sameBits(center.latitude, turned_center.latitude) ||
+        !sameBits(center.longitude, turned_center.longitude) ||
+        m_turned_plane.getXYCoordinateSystem() != localCoordinateSystem()) {
+        m_turned_plane = m_object_plane;
+        m_turned_plane.setRotation(rotation);
+        m_turned_valid = true;
+    }
+    return m_turned_plane;
 }
 
 void PositionObject::setCoordinateSystem(CoordinateSystem value)
@@ -74,10 +102,7 @@ void PositionObject::setCoordinateSystem(CoordinateSystem value)
 GeoPosition PositionObject::toGeo(const Point2D& pt) const
 {
     UNI_ASSERT(pt.getCoordinateSystem() == m_object_plane.getXYCoordinateSystem());
-    math_geo::ProjectionPlane plane = m_object_plane;
-    const double heading = effectiveHeading();
-    plane.setRotation(localCoordinateSystem() == CoordinateSystem::DIN70000 ? -heading : heading);
-    return plane.toGeoPosition(pt);
+    return turnedPlane().toGeoPosition(pt);
 }
 
 void PositionObject::setLength(double length)
@@ -152,7 +177,7 @@ void PositionObject::setHeading(double degrees)
     if (heading < 0)
         heading += 360.0;
     UNI_ASSERT(heading >= 0 && heading < 360.0);
-    m_object_plane.setRotation(heading);
+    m_heading = heading;
 }
 
 void PositionObject::setHeadingFromCoord(double degrees, CoordinateSystem system)
@@ -265,23 +290,10 @@ void PositionObject::update(double time)
     if (!parent) {
         if (m_xy_flag)
             return;
-        if (m_heading_channel)
-            setHeading(readChannel(*m_heading_channel, time));
-        if (hasPositionChannels()) {
-            GeoPosition position = getGeoPosition();
-            if (m_latitude_channel)
-                position.latitude = readChannel(*m_latitude_channel, time);
-            if (m_longitude_channel)
-                position.longitude = readChannel(*m_longitude_channel, time);
-            if (position.valid()) {
-                m_object_plane.setCenter(position);
-            } else {
-                UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR) << "Invalid latitude and/or longitude (" << position
-                                                        << ") position for object " << getName();
-            }
-        }
-        updateXYFromGeo();
-        m_last_update_time = time;
+        constexpr double NONE = std::numeric_limits<double>::quiet_NaN();
+        place(time, {m_latitude_channel ? readChannel(*m_latitude_channel, time) : NONE,
+                     m_longitude_channel ? readChannel(*m_longitude_channel, time) : NONE,
+                     m_heading_channel ? readChannel(*m_heading_channel, time) : NONE});
         return;
     }
     if (parent->m_reference_object.get() == this)
@@ -294,6 +306,38 @@ void PositionObject::update(double time)
         m_object_plane.setCenter(globe);
     else
         UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR) << "Invalid position for object " << getName();
+}
+
+void PositionObject::update(double time, const ChannelReading& reading)
+{
+    if (time == m_last_update_time)
+        return;
+    if (m_reference_object || m_xy_flag) {
+        update(time);
+        return;
+    }
+    place(time, reading);
+}
+
+void PositionObject::place(double time, const ChannelReading& reading)
+{
+    if (m_heading_channel)
+        setHeading(reading.heading);
+    if (hasPositionChannels()) {
+        GeoPosition position = getGeoPosition();
+        if (m_latitude_channel)
+            position.latitude = reading.latitude;
+        if (m_longitude_channel)
+            position.longitude = reading.longitude;
+        if (position.valid()) {
+            m_object_plane.setCenter(position);
+        } else {
+            UNI_LOG(detail::LOG_CHANNEL, SEV_ERROR)
+                << "Invalid latitude and/or longitude (" << position << ") position for object " << getName();
+        }
+    }
+    updateXYFromGeo();
+    m_last_update_time = time;
 }
 
 } // namespace overmap

@@ -3,6 +3,7 @@
 #include <lum_calc_extension/calculation_geometry.h>
 
 #include <om_model/object_manager.h>
+#include <om_model/position_object.h>
 
 #include <cstdint>
 #include <memory>
@@ -68,11 +69,22 @@ private:
     {
         double time;
         bool known;
+        /// What the object's own channels gave then, for its update.
+        overmap::PositionObject::ChannelReading reading;
+    };
+    /// The ends of a calculation that move; null for one that is not a position object.
+    struct Ends
+    {
+        overmap::PositionObject* from;
+        overmap::PositionObject* to;
     };
 
     std::mutex m_mutex;
     std::unique_ptr<overmap::ObjectManager> m_manager;
     std::unordered_map<const overmap::PositionObject*, Known> m_known;
+    /// The reading of the object knownAt() looked at last, at its top level.
+    const overmap::PositionObject::ChannelReading* m_last_reading = nullptr;
+    std::unordered_map<const overmap::Calculation*, Ends> m_ends;
     /// By input channel, the closed region of samples last found (ticks, both inclusive).
     std::unordered_map<const ferrin::ScalarChannel*, std::pair<std::uint64_t, std::uint64_t>> m_recorded;
 };

@@ -2,6 +2,7 @@
 
 #include <lum_import/recording.h>
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -35,5 +36,9 @@ ImportResult importRecording(const std::string& path);
 /// "2009-03-02T14:05:52Z", "2013-01-01T12:00:00.250+01:00": seconds since 1970-01-01
 /// (UTC when a zone is given, @p utc set accordingly). False for any other text.
 bool parseIsoTime(std::string_view text, double& seconds, bool& utc);
+/// The same as whole seconds since 1970-01-01 and the fraction of a second, [0, 1): the
+/// difference of two close times keeps every digit of their fractions, which a sum near
+/// 1.7e9 seconds rounds to about 2e-7 s.
+bool parseIsoTime(std::string_view text, std::int64_t& whole_seconds, double& fraction, bool& utc);
 
 } // namespace lum::import

@@ -59,7 +59,7 @@ public:
     bool isXYPosition() const { return m_xy_flag; }
 
     /// The stored heading, degrees in [0, 360), counted in the sense of the local system.
-    double getHeading() const { return m_object_plane.getRotation(); }
+    double getHeading() const { return m_heading; }
     /// Normalises into one turn; not-a-number is logged and ignored.
     void setHeading(double degrees);
     /// A heading given in @p system: DIN70000 counts the other way round.
@@ -99,8 +99,20 @@ public:
         return m_object_plane.getXYCoordinateSystem();
     }
 
+    /// What the object's own channels give at one time; not-a-number where it has none.
+    struct ChannelReading
+    {
+        double latitude;
+        double longitude;
+        double heading;
+    };
+
     /// Brings the object to @p time (seconds): reads its channels, or follows its parent.
     void update(double time);
+    /// The same with @p reading, read at @p time from this object's channels by a caller
+    /// that looked at the values first, so that they are not read twice. An object that
+    /// follows a parent or its XY position does not read its channels and ignores it.
+    void update(double time, const ChannelReading& reading);
     /// Time of the last update; -1.0 when the object has been moved since.
     double getLastUpdateTime() const { return m_last_update_time; }
 
@@ -117,11 +129,18 @@ protected:
 
 private:
     void init();
+    /// update() of an object placed by its own channels.
+    void place(double time, const ChannelReading& reading);
+    /// The object's plane turned by the effective heading, as toGeo and toLocal use it.
+    const math_geo::ProjectionPlane& turnedPlane() const;
 
     double m_length = 0.0;
     double m_width = 0.0;
     std::vector<Poi> m_pois;
+    /// Centred on the object, unturned: the heading turns only the copy that toGeo uses,
+    /// so that a new heading costs no cosine until a point is placed.
     math_geo::ProjectionPlane m_object_plane;
+    double m_heading = 0.0;
     ChannelPtr m_latitude_channel;
     ChannelPtr m_longitude_channel;
     ChannelPtr m_heading_channel;
@@ -129,6 +148,10 @@ private:
     bool m_xy_flag = false;
     std::shared_ptr<PositionObject> m_reference_object;
     double m_last_update_time = -1.0;
+    /// Cache of turnedPlane(), checked against the object's plane and heading at each use;
+    /// like the rest of the object, not for concurrent use.
+    mutable math_geo::ProjectionPlane m_turned_plane;
+    mutable bool m_turned_valid = false;
 };
 
 } // namespace overmap
