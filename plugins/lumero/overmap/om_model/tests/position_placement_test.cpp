@@ -19,13 +19,13 @@ namespace {
 
 const GeoPosition NEARBY(48.2003, 11.6004);
 
-class PositionObjectTest : public ::testing::Test
+class PositionPlacementTest : public ::testing::Test
 {
 protected:
     math_geo::ProjectionPlane m_plane = om_test::sitePlane();
 };
 
-TEST_F(PositionObjectTest, AReadingHandedOverStandsForTheChannelsTheObjectHas)
+TEST_F(PositionPlacementTest, AReadingHandedOverStandsForTheChannelsTheObjectHas)
 {
     Cone cone(&m_plane);
     cone.setGeoPosition(NEARBY);
